@@ -1,0 +1,17 @@
+# Warnings are errors everywhere; the release build is hardened, the debug build checks the standard library's use.
+add_library(dravolt_options INTERFACE)
+target_compile_options(dravolt_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast -Wnon-virtual-dtor
+  -Woverloaded-virtual -Wcast-qual -Wcast-align -Wformat=2 -Wundef -Wnull-dereference -Wimplicit-fallthrough -Werror
+  -fstack-protector-strong -fstack-clash-protection -ffunction-sections -fdata-sections
+  $<$<CXX_COMPILER_ID:GNU>:-Wduplicated-cond -Wlogical-op -Wuseless-cast>
+  $<$<CONFIG:Release>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -D_GLIBCXX_ASSERTIONS>
+  $<$<CONFIG:Debug>:-D_GLIBCXX_ASSERTIONS>)
+target_link_options(dravolt_options INTERFACE -pie -Wl,-z,relro,-z,now,-z,noexecstack -Wl,--gc-sections -Wl,--as-needed)
+target_compile_features(dravolt_options INTERFACE cxx_std_20)
+
+option(DRAVOLT_SANITIZE "address and undefined-behaviour sanitizers" OFF)
+if(DRAVOLT_SANITIZE)
+  target_compile_options(dravolt_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(dravolt_options INTERFACE -fsanitize=address,undefined)
+endif()

@@ -1,0 +1,26 @@
+/// Identification of the connected units.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+/// Type name of the connected sensor amplifier.
+extern QString gAmpTypeName;
+/// Its firmware version, such as 1.234.
+extern QString gAmpVersion;
+/// Type text of the interface unit.
+extern QString gIfuTypeName;
+/// Its firmware version, up to 6 characters.
+extern QString gIfuVersion;
+
+/// Identifies interface unit and sensor amplifier over the open port and fills the four texts above and gUnitNo.
+///
+/// Shows what is wrong with the connected units and ends the program, where there is nothing sensible to do. A run-time
+/// failure is reported, and the identification stops there. Called by the start-up form only.
+void subGetUnitInfo();
+
+/// Model name in the data of an attribute reply: its first 16 characters, without blanks at the ends. Pure.
+QString attributeModel(const QString& attributes);
+
+/// Version in the data of an attribute reply: up to 6 characters after the first "V" at or after character 16. Pure.
+QString attributeVersion(const QString& attributes);

@@ -1,0 +1,68 @@
+#include "app/ini_file.h"
+
+#include "text/blanks.h"
+#include "text/error_report.h"
+#include "text/runtime_failure.h"
+
+#include <QFile>
+#include <QStringDecoder>
+
+// The text is decoded before the library sees it.
+#define SI_NO_CONVERSION
+#include <SimpleIni.h>
+
+QStringList gListItems;
+
+QString iniText(const QByteArray& bytes) {
+    QStringDecoder utf8(QStringDecoder::Utf8);
+    const QString decoded = utf8.decode(bytes);
+    if (!utf8.hasError())
+        return decoded;
+    return QStringDecoder("windows-31j").decode(bytes);
+}
+
+QString iniValue(const QString& stored) {
+    constexpr qsizetype kMostCharacters = 126;
+    QString value = stored.left(kMostCharacters);
+    value.truncate(value.indexOf(QLatin1Char('\'')) < 0 ? value.size() : value.indexOf(QLatin1Char('\'')));
+    return trimBlanks(value.replace(QLatin1Char('\t'), QLatin1Char(' ')));
+}
+
+/// All of the file at `path`; nothing when it does not exist.
+static QByteArray readFile(const QString& path) {
+    QFile file(path);
+    if (!file.exists())
+        return {};
+    if (!file.open(QIODevice::ReadOnly))
+        throw RuntimeFailure(failure::kFileAccess, QStringLiteral("%1: %2").arg(path, file.errorString()));
+    const QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError)
+        throw RuntimeFailure(failure::kFileAccess, QStringLiteral("%1: %2").arg(path, file.errorString()));
+    return bytes;
+}
+
+/// The first value that the file at `path` has for `key` in `section`, as it is stored.
+static QString storedValue(const QString& section, const QString& key, const QString& path) {
+    // Several values of a key are kept, because the first one holds, not the last.
+    CSimpleIniA ini(/*isUtf8*/ true, /*isMultiKey*/ true);
+    if (ini.LoadData(iniText(readFile(path)).toStdString()) < 0)
+        throw RuntimeFailure(failure::kFileAccess, path);
+    CSimpleIniA::TNamesDepend values;
+    ini.GetAllValues(section.toUtf8().constData(), key.toUtf8().constData(), values);
+    values.sort(CSimpleIniA::Entry::LoadOrder());
+    return values.empty() ? QString() : QString::fromUtf8(values.front().pItem);
+}
+
+QString fncGetIniString(const QString& section, const QString& key, const QString& file) {
+    QString value;
+    runTrapped([&] { value = iniValue(storedValue(section, key, file)); });
+    return value;
+}
+
+int fncSplitList(QString& list) {
+    list.replace(QLatin1Char('\t'), QLatin1Char(' '));
+    gListItems = list.split(QLatin1Char(',')).mid(0, kMostListItems);
+    for (QString& item : gListItems)
+        item = trimBlanks(item);
+    return static_cast<int>(gListItems.size());
+}

@@ -1,0 +1,29 @@
+/// Reading values and lists of an INI file. Nothing here writes one.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+/// Most items that a list value gives; the rest is dropped.
+inline constexpr int kMostListItems = 101;
+
+/// Items of the list that was split last; the next split replaces them.
+extern QStringList gListItems;
+
+/// The value of `key` in `section` of the file at path `file`; sections and keys match without regard to case.
+///
+/// At most 126 characters; what follows an apostrophe is dropped, tabs become blanks, blanks at both ends are removed.
+/// Empty when file, section or key is missing, and after a failure, which has been reported.
+QString fncGetIniString(const QString& section, const QString& key, const QString& file);
+
+/// Splits `list` at its commas into gListItems, each item without blanks at its ends; empty items stay.
+///
+/// Tabs in `list` itself become blanks.
+/// @return the number of items, 1 to kMostListItems
+int fncSplitList(QString& list);
+
+/// The reading rules for one value, as it stands in the file. Pure.
+QString iniValue(const QString& stored);
+
+/// The text of an INI file: UTF-8 if all of `bytes` decodes as such, else CP932. Pure.
+QString iniText(const QByteArray& bytes);

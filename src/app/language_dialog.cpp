@@ -1,0 +1,58 @@
+#include "app/language_dialog.h"
+
+#include "text/form_texts.h"
+#include "text/string_table.h"
+
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+frmLanguage::frmLanguage() {
+    setObjectName(QStringLiteral("frmLanguage"));
+    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+
+    auto* fraLanguage = new QGroupBox;
+    fraLanguage->setObjectName(QStringLiteral("fraLanguage"));
+    auto* options = new QVBoxLayout(fraLanguage);
+    for (std::size_t i = 0; i < optLanguage.size(); ++i) {
+        optLanguage[i] = new QRadioButton;
+        optLanguage[i]->setObjectName(QStringLiteral("optLanguage(%1)").arg(i));
+        options->addWidget(optLanguage[i]);
+    }
+
+    auto* cmdOK = new QPushButton;
+    cmdOK->setObjectName(QStringLiteral("cmdOK"));
+    cmdOK->setDefault(true);
+    auto* cmdCancel = new QPushButton;
+    cmdCancel->setObjectName(QStringLiteral("cmdCancel"));
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(cmdOK);
+    buttons->addWidget(cmdCancel);
+
+    auto* content = new QVBoxLayout(this);
+    content->addWidget(fraLanguage);
+    content->addLayout(buttons);
+    content->setSizeConstraint(QLayout::SetFixedSize);
+    fraLanguage->setMinimumWidth(240);
+
+    connect(cmdOK, &QPushButton::clicked, this, [this] { cmdOK_Click(); });
+    connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
+
+    subApplyLanguage(objectName());
+    QRadioButton* chosen = optLanguage[gLanguage == 0 ? 0 : 1];
+    chosen->setChecked(true);
+    chosen->setFocus();
+}
+
+void frmLanguage::cmdOK_Click() {
+    const auto selected =
+        std::find_if(optLanguage.begin(), optLanguage.end(), [](const QRadioButton* o) { return o->isChecked(); });
+    if (selected != optLanguage.end())
+        gLanguage = static_cast<int>(selected - optLanguage.begin());
+    accept();
+}

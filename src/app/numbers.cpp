@@ -1,0 +1,54 @@
+#include "app/numbers.h"
+
+#include "text/runtime_failure.h"
+#include "text/string_table.h"
+
+#include <QRegularExpression>
+
+#include <cmath>
+#include <limits>
+
+/// Leading number of a text without blanks.
+static QRegularExpressionMatch matchNumber(const QString& text) {
+    static const QRegularExpression number(
+        QStringLiteral("^(?:&[Hh](?<hex>[0-9A-Fa-f]+)|[+-]?(?:[0-9]+\\.?[0-9]*|\\.[0-9]+)(?:[EeDd][+-]?[0-9]+)?)"));
+    return number.match(text);
+}
+
+static QString withoutBlanks(const QString& text) { return QString(text).remove(QLatin1Char(' ')); }
+
+double leadingNumber(const QString& text) {
+    const QRegularExpressionMatch match = matchNumber(withoutBlanks(text));
+    if (!match.hasMatch())
+        return 0;
+    const QString hex = match.captured(QStringLiteral("hex"));
+    if (!hex.isEmpty())
+        return std::strtod(("0x" + hex.toLatin1()).constData(), nullptr);
+    return match.captured().replace(QLatin1Char('D'), QLatin1Char('E'), Qt::CaseInsensitive).toDouble();
+}
+
+bool isNumeric(const QString& text) {
+    const QString compact = withoutBlanks(text);
+    const QRegularExpressionMatch match = matchNumber(compact);
+    return match.hasMatch() && match.capturedLength() == compact.size();
+}
+
+template <typename Integer>
+static Integer rounded(double value) {
+    const double nearest = std::nearbyint(value);
+    if (!(nearest >= std::numeric_limits<Integer>::min() && nearest <= std::numeric_limits<Integer>::max()))
+        throw RuntimeFailure(failure::kOverflow, literalText(u"Overflow: %1 is not between %2 and %3",
+                                                             u"オーバーフロー: %1 は %2～%3 の範囲にありません")
+                                                     .arg(value)
+                                                     .arg(std::numeric_limits<Integer>::min())
+                                                     .arg(std::numeric_limits<Integer>::max()));
+    return static_cast<Integer>(nearest);
+}
+
+std::int16_t toInt16(double value) { return rounded<std::int16_t>(value); }
+
+std::int32_t toInt32(double value) { return rounded<std::int32_t>(value); }
+
+QString versionText(int thousandths) {
+    return QStringLiteral("%1.%2").arg(thousandths / 1000).arg(thousandths % 1000, 3, 10, QLatin1Char('0'));
+}

@@ -1,0 +1,17 @@
+/// The settings of this installation, from `Setting.INI` beside the program.
+#pragma once
+
+#include <QString>
+
+#include <cstdint>
+
+/// Number of the COM port in use.
+extern std::int16_t gComPort;
+/// Speed of the line as text, "38400".
+extern QString gBaudRate;
+
+/// Reads language and port, and shows the language dialog when the file gives no language.
+///
+/// Called once, first thing in the start-up sequence. A missing file is no failure.
+/// @return false after a failure, which has been reported; what was read before it holds
+bool fncReadSetting();

@@ -1,0 +1,185 @@
+#include "app/startup_form.h"
+
+#include "app/identification.h"
+#include "app/settings.h"
+#include "link/com_port.h"
+#include "link/device_commands.h"
+#include "link/frame_link.h"
+#include "system/event_wait.h"
+#include "system/program_end.h"
+#include "system/single_instance.h"
+#include "text/error_report.h"
+#include "text/form_texts.h"
+#include "text/message_box.h"
+#include "text/runtime_failure.h"
+#include "text/string_table.h"
+
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QFrame>
+#include <QGridLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QScopedValueRollback>
+#include <QScreen>
+#include <QVBoxLayout>
+#include <QWindow>
+
+static const QString kLineSettings = QStringLiteral(",n,8,1");
+
+template <typename Control>
+static Control* named(const char* name, Control* control) {
+    control->setObjectName(QLatin1String(name));
+    return control;
+}
+
+frmStartUp::frmStartUp(MainWindowAtStart& mainWindow)
+    : mainWindow_(mainWindow), imgLogo(named("imgLogo", new QLabel)), lblBPS(named("lblBPS", new QLabel)),
+      cmbBps(named("cmbBps", new QComboBox)), lblCom(named("lblCom", new QLabel)),
+      cmbCom(named("cmbCom", new QComboBox)), cmdTest(named("cmdTest", new QPushButton)),
+      cmdEnd(named("cmdEnd", new QPushButton)), shpComm(named("shpComm", new QFrame)) {
+    setObjectName(QStringLiteral("frmStartUp"));
+    setWindowTitle(QStringLiteral("Dravolt"));
+    setWindowFlag(Qt::WindowMaximizeButtonHint, false);
+    lblCom->setBuddy(cmbCom);
+    lblBPS->setBuddy(cmbBps);
+
+    auto* portControls = new QGridLayout(shpComm);
+    qobject_cast<QFrame*>(shpComm)->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
+    portControls->addWidget(lblCom, 0, 0);
+    portControls->addWidget(cmbCom, 0, 1);
+    portControls->addWidget(lblBPS, 1, 0);
+    portControls->addWidget(cmbBps, 1, 1);
+    portControls->setColumnStretch(1, 1);
+    portControls->addWidget(cmdTest, 0, 2);
+    portControls->addWidget(cmdEnd, 0, 3);
+
+    auto* content = new QVBoxLayout(this);
+    content->addWidget(imgLogo, 0, Qt::AlignCenter);
+    content->addWidget(shpComm);
+    content->setSizeConstraint(QLayout::SetFixedSize);
+
+    fillLists();
+    for (QPushButton* button : {cmdTest, cmdEnd})
+        button->setAutoDefault(true);
+    connect(cmdTest, &QPushButton::clicked, this, [this] { cmdTest_Click(); });
+    connect(cmdEnd, &QPushButton::clicked, this, [] { endProgram(); });
+}
+
+void frmStartUp::closeEvent(QCloseEvent*) { endProgram(); }
+
+void frmStartUp::load() {
+    if (!runTrapped([this] { startUp(); }))
+        offerPortChoice();
+}
+
+void frmStartUp::startUp() {
+    fncReadSetting();
+    subApplyLanguage(objectName());
+    mainWindow_.createHidden();
+    if (!isOnlyInstance()) {
+        fncMsgBox(IDS_MSGDATA_STARTUP_ALREADY, kCritical);
+        endProgram();
+    }
+    setPortControlsVisible(false);
+    centreOnScreen();
+    showPainted();
+    selectConfiguredPort();
+    fncPortOpen(gComPort, gBaudRate + kLineSettings);
+    gblnCommBusy = false;
+    QByteArray reply;
+    judgeFirstTest(fncSendTextCommand(QStringLiteral("0501"), reply));
+}
+
+void frmStartUp::fillLists() {
+    constexpr int kPorts = 16;
+    cmbBps->addItem(QStringLiteral("38400 bps"));
+    for (int port = 1; port <= kPorts; ++port)
+        cmbCom->addItem(QStringLiteral("COM%1").arg(port));
+    cmbBps->setCurrentIndex(0);
+    cmbCom->setCurrentIndex(0);
+}
+
+void frmStartUp::setPortControlsVisible(bool visible) {
+    for (QWidget* control : std::initializer_list<QWidget*>{lblCom, cmbCom, cmdTest, cmdEnd, shpComm})
+        control->setVisible(visible);
+    // There is only one speed to choose.
+    lblBPS->hide();
+    cmbBps->hide();
+}
+
+void frmStartUp::centreOnScreen() {
+    adjustSize();
+    const QRect area = screen()->geometry();
+    move(area.x() + (area.width() - width()) / 2, area.y() + (area.height() - height()) / 2);
+}
+
+/// Shows the form and serves window events until it stands on the screen: the test that follows serves none.
+void frmStartUp::showPainted() {
+    show();
+    waitServingEvents(std::chrono::milliseconds(200), [this] { return windowHandle()->isExposed(); });
+    QCoreApplication::processEvents();
+}
+
+void frmStartUp::selectConfiguredPort() {
+    const int index = gComPort - 1;
+    if (index < -1 || index >= cmbCom->count())
+        throw RuntimeFailure(failure::kInvalidProperty,
+                             literalText(u"Setting.INI: there is no port COM%1; choose one of COM1 to COM%2",
+                                         u"Setting.INI: COM%1 はありません。COM1～COM%2 から選択して下さい")
+                                 .arg(gComPort)
+                                 .arg(cmbCom->count()));
+    cmbCom->setCurrentIndex(index);
+}
+
+void frmStartUp::judgeFirstTest(const QString& result) {
+    if (result == kNormalEnd) {
+        enterMainWindow();
+    } else if (result == QLatin1String("2204")) {
+        endProgram();
+    } else {
+        showMessageBox(gNoPortText, kExclamation);
+        offerPortChoice();
+    }
+}
+
+void frmStartUp::offerPortChoice() {
+    setPortControlsVisible(true);
+    centreOnScreen();
+    show();
+    cmbCom->setFocus();
+}
+
+void frmStartUp::enterMainWindow() {
+    subGetUnitInfo();
+    hide();
+    mainWindow_.subSetAllVersion();
+    mainWindow_.showWindow();
+}
+
+void frmStartUp::cmdTest_Click() {
+    if (testing_)
+        return;
+    const QScopedValueRollback<bool> guard(testing_, true);
+    runTrapped([this] { testChosenPort(); });
+}
+
+void frmStartUp::testChosenPort() {
+    const QString speed = cmbBps->currentText().section(QLatin1Char(' '), 0, 0);
+    const int port = cmbCom->currentIndex() + 1;
+    subPortClose();
+    if (!fncPortOpen(port, speed + kLineSettings))
+        return;
+    QByteArray reply;
+    QString result = fncSendTextCommand(QStringLiteral("0501"), reply);
+    if (result != kNormalEnd) {
+        QCoreApplication::processEvents();
+        result = fncSendTextCommand(QStringLiteral("0501"), reply);
+    }
+    if (result == kNormalEnd) {
+        gComPort = static_cast<std::int16_t>(port);
+        enterMainWindow();
+    } else {
+        fncMsgBox(IDS_MSGDATA_COMM_PORT, kExclamation, QString::number(port));
+    }
+}

@@ -1,0 +1,47 @@
+#include "app/type_tables.h"
+
+#include "app/ini_file.h"
+#include "app/numbers.h"
+#include "system/program_folder.h"
+#include "text/blanks.h"
+#include "text/runtime_failure.h"
+#include "text/string_table.h"
+
+QString typeTableFile() { return programFile(QStringLiteral("TYPE.INI")); }
+
+/// Takes the range whose base number is item `baseIndex` of the split entry; its name follows.
+/// @return whether `number` lies in it
+static bool takeRange(int baseIndex, std::int32_t number, QString& name, std::int32_t& offset) {
+    constexpr std::int32_t kLastOffset = 9999;
+    if (gListItems.size() <= baseIndex + 1)
+        throw RuntimeFailure(failure::kSubscript, literalText(u"%1, section AMP_TYPE: an entry has no type name",
+                                                              u"%1 セクション AMP_TYPE: 型名のない項目があります")
+                                                      .arg(typeTableFile()));
+    offset = toInt32(number - leadingNumber(gListItems[baseIndex]));
+    name = gListItems[baseIndex + 1];
+    return offset >= 0 && offset <= kLastOffset;
+}
+
+bool fncGetAmpType(const QString& kindKey, std::int32_t number, QString& name, std::int32_t& offset) {
+    constexpr int kFirstBase = 0;
+    constexpr int kSecondBase = 3;
+    QString entry = fncGetIniString(QStringLiteral("AMP_TYPE"), kindKey, typeTableFile());
+    if (entry.isEmpty())
+        return false;
+    const int items = fncSplitList(entry);
+    if (takeRange(kFirstBase, number, name, offset))
+        return true;
+    if (items > kSecondBase + 1 && takeRange(kSecondBase, number, name, offset))
+        return true;
+    offset = 0;
+    name.clear();
+    return false;
+}
+
+QString fncGetIfuDefine(const QString& key, const QString& section) {
+    QString entry = fncGetIniString(section, trimBlanks(key), typeTableFile());
+    if (entry.isEmpty())
+        return {};
+    fncSplitList(entry);
+    return fncGetIniString(QStringLiteral("IFU_DEFINE"), gListItems.constFirst(), typeTableFile());
+}

@@ -1,0 +1,123 @@
+#include "link/frame.h"
+
+#include "text/runtime_failure.h"
+#include "text/string_table.h"
+
+#include <algorithm>
+#include <numeric>
+
+static constexpr int kNodeAndSubAddress = 4;
+static constexpr int kEndCodeLast = 6;
+static constexpr int kDataFirst = 15;
+
+QByteArray buildRequestFrame(const QString& command) {
+    const QByteArray text = "00000" + command.toUpper().toLatin1() + kEtx;
+    const char check = std::accumulate(text.begin(), text.end(), char{0},
+                                       [](char sum, char c) { return static_cast<char>(sum ^ c); });
+    return kStx + text + check;
+}
+
+/// Value of a hexadecimal digit of either case, -1 for any other character.
+static int digitValue(char c) {
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    if (c >= 'A' && c <= 'F')
+        return c - 'A' + 10;
+    if (c >= 'a' && c <= 'f')
+        return c - 'a' + 10;
+    return -1;
+}
+
+ReplyParser::ReplyParser(bool raw, QByteArray& data) : raw_(raw), data_(data) {
+    data_ = QByteArray(kReplyCapacity, '\0');
+}
+
+bool ReplyParser::take(char byte) {
+    if (startSeen_ && endSeen_) {
+        takeCheckByte(byte);
+        return true;
+    }
+    if (byte == kStx) {
+        startSeen_ = true;
+        return false;
+    }
+    check_ = static_cast<char>(check_ ^ byte);
+    if (byte == kEtx)
+        endSeen_ = true;
+    else
+        takeText(byte);
+    return false;
+}
+
+void ReplyParser::takeText(char byte) {
+    ++count_;
+    if (count_ <= kNodeAndSubAddress)
+        return;
+    if (count_ <= kEndCodeLast)
+        endCode_ += QLatin1Char(byte);
+    else if (raw_ && count_ >= kDataFirst)
+        store(byte);
+    else
+        takePair(byte);
+}
+
+void ReplyParser::takePair(char byte) {
+    if (count_ % 2 != 0) {
+        pendingDigit_ = byte;
+        return;
+    }
+    const int high = digitValue(pendingDigit_);
+    const int low = digitValue(byte);
+    if (high < 0 || low < 0)
+        throw RuntimeFailure(failure::kTypeMismatch,
+                             literalText(u"The reply is damaged: characters %1 and %2 are no hexadecimal pair",
+                                         u"応答が壊れています: %1文字目と%2文字目が16進数ではありません")
+                                 .arg(count_ - 1)
+                                 .arg(count_));
+    store(static_cast<char>(high * 16 + low));
+}
+
+void ReplyParser::store(char byte) {
+    if (stored_ == kReplyCapacity)
+        throw RuntimeFailure(failure::kSubscript, literalText(u"The reply carries more than %1 bytes",
+                                                              u"応答が%1バイトを超えています")
+                                                      .arg(kReplyCapacity));
+    data_[stored_++] = byte;
+}
+
+void ReplyParser::takeCheckByte(char byte) {
+    if (endCode_ == QLatin1String("11"))
+        return;
+    data_.truncate(stored_);
+    checkReceived_ = true;
+    checkMismatch_ = byte != check_;
+    if (checkMismatch_ || !carriesResponse())
+        return;
+    if (stored_ < 4)
+        throw RuntimeFailure(failure::kSubscript,
+                             literalText(u"The reply is too short: it carries no response code",
+                                         u"応答が短すぎます: レスポンスコードがありません"));
+    responseCode_ = QString::fromLatin1(data_.mid(2, 2).toHex().toUpper());
+}
+
+bool ReplyParser::carriesResponse() const {
+    return endCode_ == QLatin1String("00") || endCode_ == QLatin1String("0F");
+}
+
+QString ReplyParser::result() const {
+    if (carriesResponse())
+        return responseCode_;
+    return endCode_.isEmpty() ? QStringLiteral("9999") : QStringLiteral("90") + endCode_;
+}
+
+static QLatin1String flag(bool value) { return QLatin1String(value ? "True" : "False"); }
+
+QString ReplyParser::logRecord() const {
+    QString record = QStringLiteral("[NG2] S:%1 E:%2 B:%3 P:%4 U:%5 A:")
+                         .arg(flag(startSeen_), flag(endSeen_), flag(checkReceived_), flag(checkMismatch_))
+                         .arg(data_.size() - 1);
+    const QByteArray stored = data_.left(stored_).toHex(' ').toUpper();
+    if (!stored.isEmpty())
+        record += QString::fromLatin1(stored) + QLatin1Char(' ');
+    return record;
+}

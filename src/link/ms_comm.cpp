@@ -1,0 +1,203 @@
+#include "link/ms_comm.h"
+
+#include "link/waits.h"
+#include "system/program_folder.h"
+#include "text/runtime_failure.h"
+#include "text/string_table.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <linux/serial.h>
+#include <poll.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
+#include <termios.h>
+#include <unistd.h>
+
+Waits gWaits;
+
+namespace {
+
+/// Path of the device behind port `number`.
+QString devicePath(int number) {
+    const QString link = programFile(QStringLiteral("com%1").arg(number));
+    const bool linkExists = QFileInfo(link).isSymLink() || QFileInfo::exists(link);
+    const QString path = linkExists ? link : QStringLiteral("/dev/ttyS%1").arg(number - 1);
+    if (number < 1 || !QFileInfo::exists(path))
+        throw RuntimeFailure(failure::kInvalidPort, literalText(u"COM%1: there is neither a link %2 to a device nor %3",
+                                                                u"COM%1: デバイスへのリンク %2 も %3 もありません")
+                                                        .arg(number)
+                                                        .arg(programFile(QStringLiteral("com%1").arg(number)),
+                                                             QStringLiteral("/dev/ttyS%1").arg(number - 1)));
+    return path;
+}
+
+/// What the operator can do about an open that failed with `error`.
+QString remedy(int error) {
+    switch (error) {
+    case EACCES:
+    case EPERM:
+        return literalText(u"; add the user to the group dialout", u"。ユーザーをグループ dialout に追加してください");
+    case EBUSY:
+    case EWOULDBLOCK:
+        return literalText(u"; another program uses the port", u"。他のプログラムがポートを使用しています");
+    case ENXIO:
+    case ENODEV:
+    case EIO:
+        return literalText(u"; the adapter is unplugged, or there is no device behind the port",
+                           u"。アダプターが抜けているか、ポートにデバイスがありません");
+    case ENOTTY:
+    case EISDIR:
+        return literalText(u"; this is no serial port", u"。シリアルポートではありません");
+    default:
+        return {};
+    }
+}
+
+bool isInUse(int error) { return error == EBUSY || error == EWOULDBLOCK; }
+
+}  // namespace
+
+void MSComm::failed(const char* doing, int error) const {
+    throw RuntimeFailure(isInUse(error) ? failure::kPortOpen : failure::kDeviceIo,
+                         QStringLiteral("COM%1 (%2): %3: %4%5")
+                             .arg(number_)
+                             .arg(path_, QLatin1String(doing), QString::fromLocal8Bit(std::strerror(error)),
+                                  remedy(error)));
+}
+
+void MSComm::open(const QString& settings) {
+    if (settings != QLatin1String("38400,n,8,1"))
+        throw RuntimeFailure(failure::kInvalidProperty, QStringLiteral("Line settings %1").arg(settings));
+    path_ = devicePath(number_);
+    // Not blocking, so that neither a missing carrier nor a full buffer can hold the program.
+    descriptor_ = ::open(QFile::encodeName(path_).constData(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor_ < 0)
+        failed("open", errno);
+    try {
+        claim();
+        setLine();
+    } catch (...) {
+        ::close(std::exchange(descriptor_, -1));
+        throw;
+    }
+}
+
+/// Keeps other programs away, and asks the driver to hand over each byte as it comes.
+void MSComm::claim() {
+    serial_struct serial{};
+    if (::ioctl(descriptor_, TIOCGSERIAL, &serial) == 0) {
+        serial.flags |= static_cast<int>(ASYNC_LOW_LATENCY);
+        ::ioctl(descriptor_, TIOCSSERIAL, &serial);
+    }
+    if (::flock(descriptor_, LOCK_EX | LOCK_NB) < 0)
+        failed("lock", errno);
+    // The kernel lets a privileged user open a port that another program holds: ask.
+    int exclusive = 0;
+    if (::ioctl(descriptor_, TIOCGEXCL, &exclusive) == 0 && exclusive != 0)
+        failed("open", EBUSY);
+    if (::ioctl(descriptor_, TIOCEXCL) < 0)
+        failed("claim", errno);
+}
+
+void MSComm::setLine() const {
+    termios line{};
+    if (::tcgetattr(descriptor_, &line) < 0)
+        failed("line settings", errno);
+    ::cfmakeraw(&line);
+    line.c_cflag &= ~tcflag_t{CSTOPB | CRTSCTS | PARODD};
+    line.c_cflag |= CLOCAL | CREAD;
+    line.c_iflag &= ~tcflag_t{IXOFF | IXANY | INPCK};
+    line.c_cc[VMIN] = 0;
+    line.c_cc[VTIME] = 0;
+    ::cfsetispeed(&line, B38400);
+    ::cfsetospeed(&line, B38400);
+    if (::tcsetattr(descriptor_, TCSANOW, &line) < 0)
+        failed("line settings", errno);
+    ::tcflush(descriptor_, TCIOFLUSH);
+}
+
+void MSComm::close() {
+    if (!isOpen())
+        return;
+    // Else the system would go on sending, and hold the program until all is sent.
+    discardOutput();
+    // A pseudo-terminal keeps the mark for as long as its other side is open.
+    ::ioctl(descriptor_, TIOCNXCL);
+    ::close(std::exchange(descriptor_, -1));
+}
+
+void MSComm::requireOpen() const {
+    if (!isOpen())
+        throw RuntimeFailure(failure::kPortNotOpen,
+                             literalText(u"COM%1 is not open", u"COM%1 は開いていません").arg(number_));
+}
+
+qsizetype MSComm::inBufferCount() const {
+    requireOpen();
+    int count = 0;
+    if (::ioctl(descriptor_, FIONREAD, &count) < 0)
+        failed("read", errno);
+    if (count > 0)
+        return count;
+    pollfd state{descriptor_, POLLIN, 0};
+    if (::poll(&state, 1, 0) > 0 && (state.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0)
+        failed("read", EIO);
+    return 0;
+}
+
+QByteArray MSComm::input(qsizetype most) {
+    QByteArray bytes(std::min(inBufferCount(), most), Qt::Uninitialized);
+    if (bytes.isEmpty())
+        return bytes;
+    const ssize_t taken = ::read(descriptor_, bytes.data(), static_cast<size_t>(bytes.size()));
+    if (taken < 0 && errno == EAGAIN)
+        return {};
+    if (taken <= 0)
+        failed("read", taken < 0 ? errno : EIO);
+    bytes.truncate(taken);
+    return bytes;
+}
+
+void MSComm::discardInput() {
+    if (isOpen())
+        ::tcflush(descriptor_, TCIFLUSH);
+}
+
+void MSComm::discardOutput() {
+    if (isOpen())
+        ::tcflush(descriptor_, TCOFLUSH);
+}
+
+void MSComm::output(const QByteArray& bytes) {
+    requireOpen();
+    qsizetype sent = 0;
+    while (sent < bytes.size()) {
+        const ssize_t written =
+            ::write(descriptor_, bytes.constData() + sent, static_cast<size_t>(bytes.size() - sent));
+        if (written > 0) {
+            sent += written;
+            continue;
+        }
+        if (written < 0 && errno != EAGAIN && errno != EINTR)
+            failed("write", errno);
+        pollfd state{descriptor_, POLLOUT, 0};
+        if (::poll(&state, 1, static_cast<int>(gWaits.portWrite.count())) == 0)
+            failed("write", ETIMEDOUT);
+        if ((state.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0)
+            failed("write", EIO);
+    }
+}
+
+void MSComm::waitForInput(std::chrono::nanoseconds limit) const {
+    requireOpen();
+    limit = std::max(limit, std::chrono::nanoseconds::zero());
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(limit);
+    const timespec timeout{seconds.count(), (limit - seconds).count()};
+    pollfd state{descriptor_, POLLIN, 0};
+    ::ppoll(&state, 1, &timeout, nullptr);
+}

@@ -1,0 +1,70 @@
+/// The serial port.
+///
+/// The only code that touches a descriptor of a port. Used from the user-interface thread only.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <chrono>
+
+/// One serial port, addressed by its COM number, at 38400 bit/s, no parity, 8 data bits, 1 stop bit, no flow control.
+///
+/// COM n is the link `com<n>` in the program's folder, without one `/dev/ttyS<n-1>`. An unplugged port is a failure at
+/// the next look at it or write to it, never silence.
+class MSComm {
+public:
+    MSComm() = default;
+    ~MSComm() { close(); }
+    MSComm(const MSComm&) = delete;
+    MSComm& operator=(const MSComm&) = delete;
+
+    /// Number of the port that the next open() opens; throws nothing, whatever the number.
+    void setCommPort(int number) { number_ = number; }
+
+    bool isOpen() const { return descriptor_ >= 0; }
+
+    /// Opens the port for this program alone and sets its line, whatever it was before.
+    ///
+    /// @param settings  "38400,n,8,1", the only line that the units know
+    /// @throws RuntimeFailure  failure::kInvalidPort if there is no such port; failure::kPortOpen if it is in use;
+    ///                         failure::kDeviceIo or failure::kInvalidProperty otherwise
+    void open(const QString& settings);
+
+    /// Closes the port and drops what is still to be sent; does nothing when it is closed.
+    void close();
+
+    /// Number of received bytes waiting.
+    /// @throws RuntimeFailure  the port is closed or gone
+    qsizetype inBufferCount() const;
+
+    /// Takes up to `most` waiting bytes, oldest first; none when none is waiting.
+    /// @throws RuntimeFailure  the port is closed or gone
+    QByteArray input(qsizetype most);
+
+    /// Discards every received byte waiting. An error of the port is ignored; the next look at the port meets it.
+    void discardInput();
+
+    /// Discards every byte that has been written and not yet sent.
+    void discardOutput();
+
+    /// Queues `bytes` for transmission, in order.
+    /// @throws RuntimeFailure  the port is closed or gone, or takes no bytes for gWaits.portWrite
+    void output(const QByteArray& bytes);
+
+    /// Sleeps until a byte is waiting, the port is gone, or `limit` has passed. No window events run.
+    void waitForInput(std::chrono::nanoseconds limit) const;
+
+    /// Descriptor of the open port, for a notifier on it.
+    int descriptor() const { return descriptor_; }
+
+private:
+    void requireOpen() const;
+    void claim();
+    void setLine() const;
+    [[noreturn]] void failed(const char* doing, int error) const;
+
+    int number_ = 1;
+    int descriptor_ = -1;
+    QString path_;
+};

@@ -1,0 +1,18 @@
+#include "system/program_end.h"
+
+#include <cstdlib>
+#include <utility>
+
+static std::function<void()>& programEnd() {
+    static std::function<void()> end;
+    return end;
+}
+
+void endProgram() {
+    if (programEnd())
+        programEnd()();
+    else
+        std::_Exit(EXIT_SUCCESS);
+}
+
+void setProgramEnd(std::function<void()> end) { programEnd() = std::move(end); }

@@ -1,0 +1,8 @@
+/// Whether another copy of the program is running for this user.
+#pragma once
+
+/// Takes the user's lock and keeps it for the life of the process; the system releases it however the process ends.
+///
+/// @return false when another copy holds the lock. Where no lock file can be made, that is said on standard error and
+///         the program counts as the only copy.
+bool isOnlyInstance();

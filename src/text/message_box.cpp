@@ -1,0 +1,88 @@
+#include "text/message_box.h"
+
+#include "text/runtime_failure.h"
+#include "text/string_table.h"
+
+#include <QApplication>
+#include <QFontMetrics>
+#include <QGridLayout>
+#include <QMessageBox>
+#include <QPushButton>
+
+/// The window that a box speaks of: the one in use, else any that is visible.
+static QWidget* ownerWindow() {
+    if (QWidget* modal = QApplication::activeModalWidget())
+        return modal;
+    if (QWidget* active = QApplication::activeWindow())
+        return active;
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    const auto visible =
+        std::find_if(windows.begin(), windows.end(), [](const QWidget* w) { return w->isWindow() && w->isVisible(); });
+    return visible == windows.end() ? nullptr : *visible;
+}
+
+static QMessageBox::Icon iconOf(int style) {
+    switch (style & 0xF0) {
+    case kCritical:
+        return QMessageBox::Critical;
+    case kQuestion:
+        return QMessageBox::Question;
+    case kExclamation:
+        return QMessageBox::Warning;
+    case kInformation:
+        return QMessageBox::Information;
+    default:
+        return QMessageBox::NoIcon;
+    }
+}
+
+/// Makes `box` wide enough for its own title, which a short message would otherwise cut.
+static void makeRoomForTitle(QMessageBox& box) {
+    constexpr int kFrameAndCloseBox = 120;
+    const int width = QFontMetrics(box.font()).horizontalAdvance(box.windowTitle()) * 3 / 2 + kFrameAndCloseBox;
+    auto* grid = qobject_cast<QGridLayout*>(box.layout());
+    grid->addItem(new QSpacerItem(width, 0), grid->rowCount(), 0, 1, grid->columnCount());
+}
+
+MsgBoxResult showMessageBox(const QString& message, int style, const QString& title) {
+    QMessageBox box(ownerWindow());
+    box.setWindowTitle(title);
+    box.setIcon(iconOf(style));
+    box.setTextFormat(Qt::PlainText);
+    box.setText(QString(message).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
+    QPushButton* ok = box.addButton(QMessageBox::Ok);
+    ok->setText(text(IDS_FRMLANG_CMD_OK));
+    box.setEscapeButton(ok);
+    if ((style & kOkCancel) != 0) {
+        QPushButton* cancel = box.addButton(QMessageBox::Cancel);
+        cancel->setText(text(IDS_FRMWAIT_CMD_CANCEL));
+        box.setEscapeButton(cancel);
+    }
+    makeRoomForTitle(box);
+    return box.exec() == QMessageBox::Ok ? kOk : kCancel;
+}
+
+/// The text of message `id` with its insert in the place that the message has for it.
+static QString compose(int id, const QString& insert) {
+    switch (id) {
+    case IDS_MSGERR_COMM_TIMEOUT:
+    case IDS_MSGERR_COMM_TIMEOUT2:
+        return insert + text(id);
+    case IDS_MSGERR_COMM_EXCEPTION:
+        return text(id) + insert;
+    case IDS_MSGDATA_COMM_PORT:
+        return text(id) + insert + text(IDS_MSGDATA_COMM_PORT2);
+    default:
+        return text(id);
+    }
+}
+
+MsgBoxResult fncMsgBox(int id, int style, const QString& insert) {
+    try {
+        return showMessageBox(compose(id, insert), style);
+    } catch (const RuntimeFailure& f) {
+        showMessageBox(QStringLiteral("番号 : %1\r\n内容 : ").arg(f.number()) + f.description(), kOkOnly,
+                       QStringLiteral("fncMsgBox関数のエラー"));
+        return kBoxFailed;
+    }
+}

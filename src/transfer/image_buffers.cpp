@@ -1,0 +1,3 @@
+#include "transfer/image_buffers.h"
+
+QByteArray gImageBuf(kImageSize + 1, '\0');

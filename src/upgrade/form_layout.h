@@ -1,0 +1,34 @@
+/// Form geometry as data.
+#pragma once
+
+#include <QString>
+#include <QWidget>
+
+/// Twips in one device-independent pixel.
+inline constexpr int kTwipsPerPixel = 15;
+
+/// The place of one control, in twips from the upper left corner of the form's client area.
+struct ControlPlace {
+    const char* control;
+    int left;
+    int top;
+    int width;
+    int height;
+};
+
+/// Puts the controls of `form` that carry the names in `places` where they belong.
+template <std::size_t n>
+void placeControls(const QWidget& form, const ControlPlace (&places)[n]) {
+    for (const ControlPlace& place : places)
+        form.findChild<QWidget*>(QLatin1String(place.control))
+            ->setGeometry(place.left / kTwipsPerPixel, place.top / kTwipsPerPixel, place.width / kTwipsPerPixel,
+                          place.height / kTwipsPerPixel);
+}
+
+/// A new control of `form`, named `name`.
+template <typename Control>
+Control* addControl(QWidget& form, const QString& name) {
+    auto* control = new Control(&form);
+    control->setObjectName(name);
+    return control;
+}

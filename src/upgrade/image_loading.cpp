@@ -1,0 +1,93 @@
+/// Image loading of the main window.
+#include "upgrade/image_loading.h"
+
+#include "app/ini_file.h"
+#include "app/numbers.h"
+#include "app/type_tables.h"
+#include "system/program_folder.h"
+#include "text/blanks.h"
+#include "text/error_report.h"
+#include "text/form_texts.h"
+#include "text/runtime_failure.h"
+#include "text/string_table.h"
+#include "transfer/binary_file.h"
+#include "transfer/image_buffers.h"
+#include "upgrade/image_info.h"
+#include "upgrade/main_window.h"
+
+#include <QCoreApplication>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QLabel>
+#include <QPushButton>
+
+bool gFileLoaded = false;
+QString gLoadFileName;
+QString gFileTypeName;
+QString gFileVersion;
+
+static qint64 fileLength(const QString& path) {
+    const QFileInfo file(path);
+    if (!file.exists())
+        throw RuntimeFailure(failure::kFileAccess,
+                             literalText(u"%1: there is no such file", u"%1: ファイルが見つかりません").arg(path));
+    return file.size();
+}
+
+void frmMain::cmdLoading_Click() {
+    if (gTransferBusy)
+        return;
+    runTrapped([this] {
+        const QString chosen = chooseImageFile();
+        if (chosen.isEmpty())
+            return;
+        gLoadFileName = chosen;
+        if (fileLength(chosen) == kImageSize)
+            loadChosenImage();
+    });
+    enableWindow();
+    cmdUpgrade->setEnabled(gFileLoaded);
+    setDefaultCursor();
+}
+
+/// Path of the file that the operator chooses; empty when the dialog is cancelled.
+QString frmMain::chooseImageFile() {
+    QFileDialog cmdSoft(this, QString(), programFolder());
+    cmdSoft.setFileMode(QFileDialog::ExistingFile);
+    cmdSoft.setNameFilter(gFilterText.section(QLatin1Char('|'), 0, 0));
+    if (!gLoadFileName.isEmpty())
+        cmdSoft.selectFile(gLoadFileName);
+    return cmdSoft.exec() == QDialog::Accepted ? cmdSoft.selectedFiles().constFirst() : QString();
+}
+
+void frmMain::loadChosenImage() {
+    disableWindow();
+    gFileVersion.clear();
+    gFileTypeName.clear();
+    lblTitle[kImageRow]->clear();
+    lblVersion[kImageRow]->clear();
+    QCoreApplication::processEvents();
+    gImageBuf.fill('\0', kImageSize + 1);
+    gFileLoaded = fncBinaryFile(gLoadFileName, gImageBuf) == kImageSize;
+    if (gFileLoaded)
+        takeImageInfo();
+    subSetAllVersion();
+}
+
+/// Display name and version of the image; an interface unit's entry wins over an amplifier's.
+void frmMain::takeImageInfo() {
+    const QString versionWord = fncGetImageInfo(kImageVersionWord);
+    QString typeKey = trimBlanks(fncGetImageInfo(kImageTypeKey).replace(QChar::Null, QLatin1Char(' ')));
+    if (typeKey.isEmpty())
+        typeKey = QStringLiteral("NULL");
+    gFileTypeName = fncGetIfuDefine(typeKey, QStringLiteral("IFU_BIN_TYPE"));
+    gFileVersion = versionText(versionWord.toInt());
+    if (!gFileTypeName.isEmpty())
+        return;
+    const QString kindKey = fncGetIniString(QStringLiteral("AMP_BIN_TYPE"), typeKey, typeTableFile());
+    if (kindKey.isEmpty())
+        return;
+    std::int32_t thousandths = 0;
+    fncGetAmpType(kindKey, versionWord.toInt(), gFileTypeName, thousandths);
+    gFileVersion = versionText(thousandths);
+}

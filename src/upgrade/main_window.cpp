@@ -1,0 +1,180 @@
+#include "upgrade/main_window.h"
+
+#include "system/program_end.h"
+#include "system/program_folder.h"
+#include "text/form_texts.h"
+#include "text/message_box.h"
+#include "text/string_table.h"
+#include "transfer/image_buffers.h"
+#include "upgrade/fitted_label.h"
+#include "upgrade/form_layout.h"
+#include "upgrade/image_loading.h"
+
+#include <QCheckBox>
+#include <QFileInfo>
+#include <QFrame>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScreen>
+
+namespace {
+
+constexpr int kClientWidth = 5'475;
+constexpr int kClientHeight = 3'300;
+constexpr qreal kHeadingPoints = 11.25;
+constexpr qreal kRowPoints = 9.75;
+
+constexpr ControlPlace kPlaces[] = {
+    {"lblPresent", 240, 120, 3'255, 300},
+    {"optPresent(0)", 360, 480, 300, 240},
+    {"optPresent(1)", 360, 720, 300, 240},
+    {"lblTitle(0)", 720, 480, 1'335, 240},
+    {"lblTitle(1)", 720, 720, 1'335, 240},
+    {"lblTitle(2)", 720, 1'560, 1'335, 240},
+    {"lblVersion(0)", 2'040, 480, 1'455, 240},
+    {"lblVersion(1)", 2'040, 720, 1'455, 240},
+    {"lblVersion(2)", 2'040, 1'560, 1'455, 240},
+    {"lblRewriting", 240, 1'200, 3'255, 300},
+    {"chkVerify", 360, 2'040, 1'695, 315},
+    {"cmdLoading", 2'160, 2'040, 1'335, 315},
+    {"cmdPresent", 0, 2'640, 75, 315},
+    {"cmdUpgrade", 600, 2'640, 1'335, 315},
+    {"cmdEnd", 2'160, 2'640, 1'335, 315},
+    {"LabelWriteProtect", 3'480, 120, 1'935, 300},
+    {"horizontalLine", 0, 2'520, 5'400, 30},
+    {"verticalLine", 3'720, 0, 30, 2'520},
+};
+
+QLabel* addHeading(QWidget& form, const char* name) {
+    auto* heading = addControl<FittedLabel>(form, QLatin1String(name));
+    QFont font = heading->font();
+    font.setPointSizeF(kHeadingPoints);
+    font.setUnderline(true);
+    heading->setFont(font);
+    return heading;
+}
+
+QLabel* addRowLabel(QWidget& form, const char* name, std::size_t row) {
+    auto* label = addControl<FittedLabel>(form, QStringLiteral("%1(%2)").arg(QLatin1String(name)).arg(row));
+    QFont font = label->font();
+    font.setPointSizeF(kRowPoints);
+    label->setFont(font);
+    return label;
+}
+
+void addLine(QWidget& form, const char* name, QFrame::Shape shape) {
+    auto* line = addControl<QFrame>(form, QLatin1String(name));
+    line->setFrameStyle(shape | QFrame::Sunken);
+}
+
+}  // namespace
+
+frmMain::frmMain() {
+    setObjectName(QStringLiteral("frmMain"));
+    setWindowFlag(Qt::WindowMaximizeButtonHint, false);
+    setFixedSize(kClientWidth / kTwipsPerPixel, kClientHeight / kTwipsPerPixel);
+    createControls();
+    placeControls(*this, kPlaces);
+    connectControls();
+}
+
+/// Makes the controls in the order in which the keyboard visits them.
+void frmMain::createControls() {
+    addHeading(*this, "lblPresent");
+    addHeading(*this, "lblRewriting");
+    for (std::size_t i = 0; i < optPresent.size(); ++i)
+        optPresent[i] = addControl<QRadioButton>(*this, QStringLiteral("optPresent(%1)").arg(i));
+    for (std::size_t row = 0; row < lblTitle.size(); ++row) {
+        lblTitle[row] = addRowLabel(*this, "lblTitle", row);
+        lblVersion[row] = addRowLabel(*this, "lblVersion", row);
+    }
+    chkVerify = addControl<QCheckBox>(*this, QStringLiteral("chkVerify"));
+    cmdLoading = addControl<QPushButton>(*this, QStringLiteral("cmdLoading"));
+    cmdPresent = addControl<QPushButton>(*this, QStringLiteral("cmdPresent"));
+    cmdUpgrade = addControl<QPushButton>(*this, QStringLiteral("cmdUpgrade"));
+    cmdEnd = addControl<QPushButton>(*this, QStringLiteral("cmdEnd"));
+    LabelWriteProtect = addControl<QLabel>(*this, QStringLiteral("LabelWriteProtect"));
+    LabelWriteProtect->setStyleSheet(QStringLiteral("background: yellow"));
+    addLine(*this, "horizontalLine", QFrame::HLine);
+    addLine(*this, "verticalLine", QFrame::VLine);
+    chkVerify->hide();
+    cmdPresent->hide();
+    LabelWriteProtect->hide();
+    optPresent[0]->setChecked(true);
+}
+
+void frmMain::connectControls() {
+    for (std::size_t i = 0; i < optPresent.size(); ++i)
+        connect(optPresent[i], &QRadioButton::clicked, this, [this, i] { optPresent_Click(static_cast<int>(i)); });
+    for (QPushButton* button : {cmdLoading, cmdPresent, cmdUpgrade, cmdEnd})
+        button->setAutoDefault(true);
+    connect(cmdLoading, &QPushButton::clicked, this, [this] { cmdLoading_Click(); });
+    connect(cmdUpgrade, &QPushButton::clicked, this, [this] { cmdUpgrade_Click(); });
+    connect(cmdEnd, &QPushButton::clicked, this, [this] { Form_QueryUnload(); });
+    CommTimer.setTimerType(Qt::PreciseTimer);
+    CommTimer.callOnTimeout([this] { CommTimer_Timer(); });
+}
+
+void frmMain::createHidden() {
+    optPresent_Click(0);
+    subSetWindowTexts();
+    setCatalogueFont(*chkVerify);
+    gFileLoaded = false;
+    cmdUpgrade->setEnabled(gFileLoaded);
+    gTransferBusy = false;
+    if (!QFileInfo(programFile(QStringLiteral("TYPE.INI"))).isFile()) {
+        showMessageBox(text(IDS_MSGERR_INIFILE_NOTEXIST), kCritical);
+        endProgram();
+    }
+    subSetAllVersion();
+}
+
+void frmMain::subSetWindowTexts() {
+    chkVerify->setText(literalText(u"Verification", u"ベリファイ実行"));
+    optPresent[0]->setAccessibleName(literalText(u"Target: sensor amplifier", u"対象: センサアンプ"));
+    optPresent[1]->setAccessibleName(literalText(u"Target: interface unit", u"対象: インターフェースユニット"));
+    subApplyLanguage(objectName());
+}
+
+void frmMain::showWindow() {
+    const QRect area = screen()->geometry();
+    move(area.center() - rect().center());
+    show();
+    raise();
+    activateWindow();
+    cmdLoading->setFocus();
+}
+
+void frmMain::closeEvent(QCloseEvent*) { Form_QueryUnload(); }
+
+void frmMain::Form_QueryUnload() { endProgram(); }
+
+int frmMain::targetRow() const { return optPresent[0]->isChecked() ? 0 : 1; }
+
+void frmMain::disableWindow() {
+    focusBefore_ = focusWidget();
+    setEnabled(false);
+    setCursor(Qt::WaitCursor);
+    // The work that follows may serve no window events for seconds.
+    repaint();
+}
+
+void frmMain::enableWindow() {
+    setEnabled(true);
+    if (focusBefore_)
+        focusBefore_->setFocus();
+}
+
+void frmMain::setDefaultCursor() { unsetCursor(); }
+
+frmWait& frmMain::progressDialog() {
+    if (!frmWait_)
+        frmWait_ = std::make_unique<frmWait>(*this);
+    return *frmWait_;
+}
+
+void frmMain::showProgress() { progressDialog().start(kImageSize); }
+
+void frmMain::setProgress(int bytes) { progressDialog().setBytes(bytes); }
+
+void frmMain::unloadProgress() { frmWait_.reset(); }

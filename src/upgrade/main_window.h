@@ -1,0 +1,87 @@
+/// The main window.
+#pragma once
+
+#include "app/startup_form.h"
+#include "transfer/transfer_screen.h"
+#include "transfer/transfer_steps.h"
+#include "upgrade/progress_dialog.h"
+
+#include <QPointer>
+#include <QTimer>
+#include <QWidget>
+
+#include <array>
+#include <memory>
+
+class QCheckBox;
+class QLabel;
+class QPushButton;
+class QRadioButton;
+
+/// The operator's working screen: what the units hold, the loaded image, the target, and the buttons.
+///
+/// Row 0 is the sensor amplifier, row 1 the interface unit, row 2 the loaded image. Closing the window in any way ends
+/// the program at once.
+class frmMain : public QWidget, public MainWindowAtStart, public TransferScreen {
+public:
+    frmMain();
+
+    // Start
+    void createHidden() override;
+    void subSetAllVersion() override;
+    void showWindow() override;
+
+    // Transfer
+    void showProgress() override;
+    void setProgress(int bytes) override;
+    void unloadProgress() override;
+    void startCommTimer() override;
+    void stopCommTimer() override;
+    void enableWindow() override;
+    void setDefaultCursor() override;
+    void showWrittenVersion() override;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    static constexpr int kImageRow = 2;
+
+    void createControls();
+    void connectControls();
+    void subSetWindowTexts();
+    void Form_QueryUnload();
+    void disableWindow();
+    int targetRow() const;
+
+    // Target choice
+    void optPresent_Click(int index);
+
+    // Image loading
+    void cmdLoading_Click();
+    QString chooseImageFile();
+    void loadChosenImage();
+    void takeImageInfo();
+
+    // Upgrade run
+    void cmdUpgrade_Click();
+    void startUpgrade();
+    bool confirmCommunication();
+    void CommTimer_Timer();
+
+    frmWait& progressDialog();
+
+    std::array<QRadioButton*, 2> optPresent{};
+    std::array<QLabel*, 3> lblTitle{};
+    std::array<QLabel*, 3> lblVersion{};
+    QCheckBox* chkVerify;
+    QPushButton* cmdLoading;
+    QPushButton* cmdPresent;
+    QPushButton* cmdUpgrade;
+    QPushButton* cmdEnd;
+    QLabel* LabelWriteProtect;
+    QTimer CommTimer;
+    TransferSteps steps_{*this};
+    std::unique_ptr<frmWait> frmWait_;  ///< null while the progress dialog is not loaded
+    QPointer<QWidget> focusBefore_;     ///< control that had the focus when the window was disabled
+};

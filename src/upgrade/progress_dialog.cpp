@@ -1,0 +1,70 @@
+#include "upgrade/progress_dialog.h"
+
+#include "text/form_texts.h"
+#include "text/string_table.h"
+#include "upgrade/fitted_label.h"
+#include "upgrade/form_layout.h"
+
+#include <QCloseEvent>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QWindow>
+
+#include <chrono>
+
+static constexpr int kClientWidth = 5'220;
+static constexpr int kClientHeight = 1'755;
+
+static constexpr ControlPlace kPlaces[] = {
+    {"lblMsg", 360, 240, 4'575, 255},
+    {"prbComm", 240, 720, 4'695, 495},
+    {"cmdCancel", 3'720, 1'320, 1'095, 315},
+};
+
+frmWait::frmWait(QWidget& owner)
+    : QDialog(nullptr, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint),
+      cmdCancel(addControl<QPushButton>(*this, QStringLiteral("cmdCancel"))), owner_(owner),
+      lblMsg(addControl<FittedLabel>(*this, QStringLiteral("lblMsg"))),
+      prbComm(addControl<QProgressBar>(*this, QStringLiteral("prbComm"))) {
+    setObjectName(QStringLiteral("frmWait"));
+    setFixedSize(kClientWidth / kTwipsPerPixel, kClientHeight / kTwipsPerPixel);
+    placeControls(*this, kPlaces);
+    cmdCancel->hide();
+    prbComm->setAlignment(Qt::AlignCenter);
+    refresh_.setInterval(std::chrono::milliseconds(100));
+    refresh_.callOnTimeout([this] { refresh(); });
+    subApplyLanguage(objectName());
+}
+
+void frmWait::start(int bytes) {
+    prbComm->setRange(0, bytes);
+    setBytes(0);
+    refresh();
+    refresh_.start();
+    elapsed_.start();
+    create();
+    windowHandle()->setTransientParent(owner_.windowHandle());
+    move(owner_.frameGeometry().center() - rect().center());
+    show();
+}
+
+void frmWait::setBytes(int bytes) { bytes_ = bytes; }
+
+void frmWait::refresh() {
+    prbComm->setFormat(timeLeft());
+    prbComm->setValue(bytes_);
+}
+
+/// Share done, and the time that the rest takes at the rate so far.
+QString frmWait::timeLeft() const {
+    constexpr qint64 kLeastMeasured = 1'000;
+    if (bytes_ == 0 || elapsed_.elapsed() < kLeastMeasured)
+        return QStringLiteral("%p%");
+    const qint64 milliseconds = elapsed_.elapsed() * (prbComm->maximum() - bytes_) / bytes_;
+    const qint64 seconds = (milliseconds + 999) / 1'000;
+    return literalText(u"%p%  (%1:%2 left)", u"%p%（残り %1:%2）")
+        .arg(seconds / 60)
+        .arg(seconds % 60, 2, 10, QLatin1Char('0'));
+}
+
+void frmWait::closeEvent(QCloseEvent* event) { event->ignore(); }

@@ -1,0 +1,42 @@
+/// The progress dialog.
+#pragma once
+
+#include <QDialog>
+#include <QElapsedTimer>
+#include <QTimer>
+
+class QLabel;
+class QProgressBar;
+class QPushButton;
+
+/// Names the image and shows how much of a transfer is done and how long the rest takes. Modeless.
+///
+/// Has no close box, and closing it by keyboard does nothing.
+class frmWait : public QDialog {
+public:
+    /// Loads the dialog, hidden; it belongs to nobody but stays above `owner` and is centred on it.
+    explicit frmWait(QWidget& owner);
+
+    /// Sets the bar to 0 of `bytes` and shows the dialog.
+    void start(int bytes);
+
+    /// Moves the bar to `bytes`. Its painting does not hold the transfer up.
+    void setBytes(int bytes);
+
+    QPushButton* cmdCancel;
+
+protected:
+    void reject() override {}
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void refresh();
+    QString timeLeft() const;
+
+    QWidget& owner_;
+    QLabel* lblMsg;
+    QProgressBar* prbComm;
+    QTimer refresh_;
+    QElapsedTimer elapsed_;
+    int bytes_ = 0;
+};

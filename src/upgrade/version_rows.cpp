@@ -1,0 +1,45 @@
+/// Version display and target choice of the main window.
+#include "app/identification.h"
+#include "link/device_commands.h"
+#include "text/error_report.h"
+#include "upgrade/image_loading.h"
+#include "upgrade/main_window.h"
+#include "version.h"
+
+#include <QLabel>
+
+/// Text of a program version: 1, 4 gives ver1.004.
+static QString programVersionText(int major, int minor) {
+    return QStringLiteral("ver%1.%2").arg(major).arg(minor, 3, 10, QLatin1Char('0'));
+}
+
+void frmMain::subSetAllVersion() {
+    runTrapped([this] {
+        setWindowTitle(QStringLiteral("Dravolt ") + programVersionText(kProgramMajor, kProgramMinor));
+        const std::array<QString, 3> names{gAmpTypeName, gIfuTypeName, gFileTypeName};
+        const std::array<QString, 3> versions{gAmpVersion, gIfuVersion, gFileVersion};
+        for (std::size_t row = 0; row < lblTitle.size(); ++row) {
+            lblTitle[row]->setText(names[row]);
+            lblVersion[row]->setText(names[row].isEmpty() ? QString() : versions[row]);
+        }
+    });
+}
+
+/// The chosen unit and the image are written normally, the other unit in grey.
+void frmMain::optPresent_Click(int index) {
+    runTrapped([this, index] {
+        gUnitNo = index == 1 ? kInterfaceUnit : kSensorAmplifier;
+        for (int row = 0; row <= kImageRow; ++row) {
+            const bool grey = row != index && row != kImageRow;
+            QPalette colours = palette();
+            if (grey)
+                colours.setColor(QPalette::WindowText, colours.color(QPalette::Disabled, QPalette::WindowText));
+            lblTitle[static_cast<std::size_t>(row)]->setPalette(colours);
+            lblVersion[static_cast<std::size_t>(row)]->setPalette(colours);
+        }
+    });
+}
+
+void frmMain::showWrittenVersion() {
+    lblVersion[static_cast<std::size_t>(targetRow())]->setText(lblVersion[kImageRow]->text());
+}
