@@ -6,11 +6,11 @@
 
 /// Type name of the connected sensor amplifier.
 extern QString gAmpTypeName;
-/// Its firmware version, such as 1.234.
+/// Its firmware version, such as 1.234; the main window replaces it after a write.
 extern QString gAmpVersion;
 /// Type text of the interface unit.
 extern QString gIfuTypeName;
-/// Its firmware version, up to 6 characters.
+/// Its firmware version, up to 6 characters; the main window replaces it after a write.
 extern QString gIfuVersion;
 
 /// Identifies interface unit and sensor amplifier over the open port and fills the four texts above and gUnitNo.

@@ -34,10 +34,15 @@ static Control* named(const char* name, Control* control) {
 }
 
 frmStartUp::frmStartUp(MainWindowAtStart& mainWindow)
-    : mainWindow_(mainWindow), imgLogo(named("imgLogo", new QLabel)), lblBPS(named("lblBPS", new QLabel)),
-      cmbBps(named("cmbBps", new QComboBox)), lblCom(named("lblCom", new QLabel)),
-      cmbCom(named("cmbCom", new QComboBox)), cmdTest(named("cmdTest", new QPushButton)),
-      cmdEnd(named("cmdEnd", new QPushButton)), shpComm(named("shpComm", new QFrame)) {
+    : mainWindow_(mainWindow),
+      imgLogo(named("imgLogo", new QLabel)),
+      lblBPS(named("lblBPS", new QLabel)),
+      cmbBps(named("cmbBps", new QComboBox)),
+      lblCom(named("lblCom", new QLabel)),
+      cmbCom(named("cmbCom", new QComboBox)),
+      cmdTest(named("cmdTest", new QPushButton)),
+      cmdEnd(named("cmdEnd", new QPushButton)),
+      shpComm(named("shpComm", new QFrame)) {
     setObjectName(QStringLiteral("frmStartUp"));
     setWindowTitle(QStringLiteral("Dravolt"));
     setWindowFlag(Qt::WindowMaximizeButtonHint, false);
@@ -66,7 +71,9 @@ frmStartUp::frmStartUp(MainWindowAtStart& mainWindow)
     connect(cmdEnd, &QPushButton::clicked, this, [] { endProgram(); });
 }
 
-void frmStartUp::closeEvent(QCloseEvent*) { endProgram(); }
+void frmStartUp::closeEvent(QCloseEvent*) {
+    endProgram();
+}
 
 void frmStartUp::load() {
     if (!runTrapped([this] { startUp(); }))

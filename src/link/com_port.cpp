@@ -1,17 +1,15 @@
 #include "link/com_port.h"
 
+#include "system/standard_error.h"
 #include "text/message_box.h"
 #include "text/runtime_failure.h"
 #include "text/string_table.h"
-
-#include <cstdio>
 
 MSComm* gobjComm = nullptr;
 
 MSComm& boundPort() {
     if (gobjComm == nullptr)
-        throw RuntimeFailure(failure::kPortNotOpen,
-                             literalText(u"No COM port is open", u"COMポートが開いていません"));
+        throw RuntimeFailure(failure::kPortNotOpen, literalText(u"No COM port is open", u"COMポートが開いていません"));
     return *gobjComm;
 }
 
@@ -22,7 +20,7 @@ static int tryOpen(const QString& settings) {
         gobjComm->discardInput();
         return 0;
     } catch (const RuntimeFailure& f) {
-        std::fprintf(stderr, "dravolt: %s\n", f.what());
+        complain(f.description());
         return f.number();
     }
 }

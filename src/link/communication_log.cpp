@@ -11,6 +11,5 @@ void subWriteCommLog(const QString& line) {
     const QString time = QDateTime::currentDateTime().toString(QStringLiteral("yyyy/MM/dd HH:mm:ss"));
     const QByteArray record = QStringLiteral("%1 %2\r\n").arg(time, line).toUtf8();
     if (!log.open(QIODevice::Append) || log.write(record) != record.size() || !log.flush())
-        throw RuntimeFailure(failure::kFileAccess,
-                             QStringLiteral("%1: %2").arg(log.fileName(), log.errorString()));
+        throw RuntimeFailure(failure::kFileAccess, QStringLiteral("%1: %2").arg(log.fileName(), log.errorString()));
 }

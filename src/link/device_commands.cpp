@@ -2,13 +2,12 @@
 
 #include "link/frame_link.h"
 #include "link/waits.h"
+#include "system/standard_error.h"
 #include "text/blanks.h"
 #include "text/error_report.h"
 #include "text/message_box.h"
 #include "text/runtime_failure.h"
 #include "text/string_table.h"
-
-#include <cstdio>
 
 int gUnitNo = 0;
 QString gUnitStatus;
@@ -23,7 +22,7 @@ static QString trapped(Command command) {
         return result;
     } catch (...) {
         // The box has no place for the cause, so that it is said here.
-        std::fprintf(stderr, "dravolt: %s\n", currentFailure().toLocal8Bit().constData());
+        complain(currentFailure());
         if (trimBlanks(result).isEmpty())
             fncMsgBox(IDS_MSGERR_COMM_TIMEOUT, kCritical, result);
         else

@@ -12,8 +12,8 @@ static constexpr int kDataFirst = 15;
 
 QByteArray buildRequestFrame(const QString& command) {
     const QByteArray text = "00000" + command.toUpper().toLatin1() + kEtx;
-    const char check = std::accumulate(text.begin(), text.end(), char{0},
-                                       [](char sum, char c) { return static_cast<char>(sum ^ c); });
+    const char check =
+        std::accumulate(text.begin(), text.end(), char{0}, [](char sum, char c) { return static_cast<char>(sum ^ c); });
     return kStx + text + check;
 }
 
@@ -79,9 +79,9 @@ void ReplyParser::takePair(char byte) {
 
 void ReplyParser::store(char byte) {
     if (stored_ == kReplyCapacity)
-        throw RuntimeFailure(failure::kSubscript, literalText(u"The reply carries more than %1 bytes",
-                                                              u"応答が%1バイトを超えています")
-                                                      .arg(kReplyCapacity));
+        throw RuntimeFailure(
+            failure::kSubscript,
+            literalText(u"The reply carries more than %1 bytes", u"応答が%1バイトを超えています").arg(kReplyCapacity));
     data_[stored_++] = byte;
 }
 
@@ -94,9 +94,8 @@ void ReplyParser::takeCheckByte(char byte) {
     if (checkMismatch_ || !carriesResponse())
         return;
     if (stored_ < 4)
-        throw RuntimeFailure(failure::kSubscript,
-                             literalText(u"The reply is too short: it carries no response code",
-                                         u"応答が短すぎます: レスポンスコードがありません"));
+        throw RuntimeFailure(failure::kSubscript, literalText(u"The reply is too short: it carries no response code",
+                                                              u"応答が短すぎます: レスポンスコードがありません"));
     responseCode_ = QString::fromLatin1(data_.mid(2, 2).toHex().toUpper());
 }
 
@@ -110,7 +109,9 @@ QString ReplyParser::result() const {
     return endCode_.isEmpty() ? QStringLiteral("9999") : QStringLiteral("90") + endCode_;
 }
 
-static QLatin1String flag(bool value) { return QLatin1String(value ? "True" : "False"); }
+static QLatin1String flag(bool value) {
+    return QLatin1String(value ? "True" : "False");
+}
 
 QString ReplyParser::logRecord() const {
     QString record = QStringLiteral("[NG2] S:%1 E:%2 B:%3 P:%4 U:%5 A:")

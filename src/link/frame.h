@@ -62,10 +62,10 @@ private:
     bool endSeen_ = false;
     bool checkReceived_ = false;
     bool checkMismatch_ = false;
-    int count_ = 0;              ///< characters received, without STX and ETX
-    qsizetype stored_ = 0;       ///< bytes in data_ that are in use
-    char pendingDigit_ = 0;      ///< first character of a pair
-    char check_ = 0;             ///< exclusive-or of all received bytes but STX
+    int count_ = 0;          ///< characters received, without STX and ETX
+    qsizetype stored_ = 0;   ///< bytes in data_ that are in use
+    char pendingDigit_ = 0;  ///< first character of a pair
+    char check_ = 0;         ///< exclusive-or of all received bytes but STX
     QString endCode_;
     QString responseCode_;
 };

@@ -9,7 +9,6 @@
 #include <QFileInfo>
 
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <linux/serial.h>
 #include <poll.h>
@@ -17,6 +16,7 @@
 #include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
+#include <utility>
 
 Waits gWaits;
 
@@ -58,7 +58,9 @@ QString remedy(int error) {
     }
 }
 
-bool isInUse(int error) { return error == EBUSY || error == EWOULDBLOCK; }
+bool isInUse(int error) {
+    return error == EBUSY || error == EWOULDBLOCK;
+}
 
 }  // namespace
 
@@ -66,8 +68,7 @@ void MSComm::failed(const char* doing, int error) const {
     throw RuntimeFailure(isInUse(error) ? failure::kPortOpen : failure::kDeviceIo,
                          QStringLiteral("COM%1 (%2): %3: %4%5")
                              .arg(number_)
-                             .arg(path_, QLatin1String(doing), QString::fromLocal8Bit(std::strerror(error)),
-                                  remedy(error)));
+                             .arg(path_, QLatin1String(doing), qt_error_string(error), remedy(error)));
 }
 
 void MSComm::open(const QString& settings) {
@@ -163,12 +164,12 @@ QByteArray MSComm::input(qsizetype most) {
     return bytes;
 }
 
-void MSComm::discardInput() {
+void MSComm::discardInput() const {
     if (isOpen())
         ::tcflush(descriptor_, TCIFLUSH);
 }
 
-void MSComm::discardOutput() {
+void MSComm::discardOutput() const {
     if (isOpen())
         ::tcflush(descriptor_, TCOFLUSH);
 }

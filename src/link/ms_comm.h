@@ -43,10 +43,10 @@ public:
     QByteArray input(qsizetype most);
 
     /// Discards every received byte waiting. An error of the port is ignored; the next look at the port meets it.
-    void discardInput();
+    void discardInput() const;
 
     /// Discards every byte that has been written and not yet sent.
-    void discardOutput();
+    void discardOutput() const;
 
     /// Queues `bytes` for transmission, in order.
     /// @throws RuntimeFailure  the port is closed or gone, or takes no bytes for gWaits.portWrite

@@ -1,24 +1,32 @@
 #include "system/single_instance.h"
 
+#include "system/standard_error.h"
+
 #include <QDir>
 #include <QFile>
 #include <QStandardPaths>
 
 #include <cerrno>
-#include <cstdio>
-#include <cstring>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <unistd.h>
+#include <utility>
 
 bool isOnlyInstance() {
+    static int lock = -1;
+    if (lock >= 0)
+        return true;
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
     const QByteArray path = QFile::encodeName(QDir(folder).filePath(QStringLiteral("dravolt.lock")));
     // Left open on purpose: the lock lives as long as the descriptor does.
-    const int lock = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    lock = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (lock < 0) {
-        std::fprintf(stderr, "dravolt: %s: %s; a second copy cannot be noticed\n", path.constData(),
-                     std::strerror(errno));
+        complain(QStringLiteral("%1: %2; a second copy cannot be noticed")
+                     .arg(QFile::decodeName(path), qt_error_string(errno)));
         return true;
     }
-    return ::flock(lock, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+    if (::flock(lock, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK)
+        return true;
+    ::close(std::exchange(lock, -1));
+    return false;
 }

@@ -3,6 +3,7 @@
 
 /// Takes the user's lock and keeps it for the life of the process; the system releases it however the process ends.
 ///
+/// Asked again, it answers for the same process.
 /// @return false when another copy holds the lock. Where no lock file can be made, that is said on standard error and
 ///         the program counts as the only copy.
 bool isOnlyInstance();

@@ -11,7 +11,9 @@ void subReportError(const QString& description) {
         endProgram();
 }
 
-void subReportError() { subReportError(currentFailure()); }
+void subReportError() {
+    subReportError(currentFailure());
+}
 
 QString currentFailure() {
     try {

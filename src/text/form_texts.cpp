@@ -26,9 +26,9 @@ struct ControlText {
 };
 
 constexpr ControlText kMainTexts[] = {
-    {"lblPresent", IDS_FRMMAIN_LBL_PRESENT, true},      {"lblRewriting", IDS_FRMMAIN_LBL_REWRITEING, true},
-    {"cmdLoading", IDS_FRMMAIN_CMD_LOADING, true},      {"cmdPresent", IDS_FRMMAIN_CMD_SAVE_PRESENT, true},
-    {"cmdUpgrade", IDS_FRMMAIN_CMD_UPGRADE, true},      {"cmdEnd", IDS_FRMMAIN_CMD_END, true},
+    {"lblPresent", IDS_FRMMAIN_LBL_PRESENT, true}, {"lblRewriting", IDS_FRMMAIN_LBL_REWRITEING, true},
+    {"cmdLoading", IDS_FRMMAIN_CMD_LOADING, true}, {"cmdPresent", IDS_FRMMAIN_CMD_SAVE_PRESENT, true},
+    {"cmdUpgrade", IDS_FRMMAIN_CMD_UPGRADE, true}, {"cmdEnd", IDS_FRMMAIN_CMD_END, true},
 };
 
 constexpr ControlText kStartUpTexts[] = {
@@ -43,8 +43,8 @@ constexpr ControlText kWaitTexts[] = {
 };
 
 constexpr ControlText kLanguageTexts[] = {
-    {"fraLanguage", IDS_FRMLANG_FRA_LANGUAGE, false},     {"optLanguage(0)", IDS_FRMLANG_OPT_JAPAN, false},
-    {"optLanguage(1)", IDS_FRMLANG_OPT_ENGLISH, false},   {"cmdOK", IDS_FRMLANG_CMD_OK, false},
+    {"fraLanguage", IDS_FRMLANG_FRA_LANGUAGE, false},   {"optLanguage(0)", IDS_FRMLANG_OPT_JAPAN, false},
+    {"optLanguage(1)", IDS_FRMLANG_OPT_ENGLISH, false}, {"cmdOK", IDS_FRMLANG_CMD_OK, false},
     {"cmdCancel", IDS_FRMLANG_CMD_CANCEL, false},
 };
 
@@ -81,7 +81,9 @@ void applyControlTexts(const QWidget& form, const ControlText (&texts)[n]) {
     }
 }
 
-void subLoadMessageTexts() { gNoPortText = text(IDS_MSGERR_COMM_NO_PORT); }
+void subLoadMessageTexts() {
+    gNoPortText = text(IDS_MSGERR_COMM_NO_PORT);
+}
 
 /// What the progress dialog says: the image of the main window's third row, whatever the dialog is used for.
 QString progressMessage() {

@@ -5,7 +5,7 @@
 
 /// Identifiers of the table's entries, without language offset.
 enum StringId : int {
-#define DRAVOLT_STRING(id, name, english, japanese) name = id,
+#define DRAVOLT_STRING(id, name, english, japanese) name = (id),
 #include "resources/string_table.def"
 #undef DRAVOLT_STRING
 };

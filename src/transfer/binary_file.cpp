@@ -15,11 +15,11 @@ static void readInto(QByteArray& array, qsizetype count, const QString& path) {
     if (taken < 0)
         throw RuntimeFailure(failure::kFileAccess, QStringLiteral("%1: %2").arg(path, file.errorString()));
     if (taken < count)
-        throw RuntimeFailure(failure::kFileAccess,
-                             literalText(u"%1: the file ends after %2 of %3 bytes", u"%1: ファイルが %2/%3 バイトで終わっています")
-                                 .arg(path)
-                                 .arg(taken)
-                                 .arg(count));
+        throw RuntimeFailure(failure::kFileAccess, literalText(u"%1: the file ends after %2 of %3 bytes",
+                                                               u"%1: ファイルが %2/%3 バイトで終わっています")
+                                                       .arg(path)
+                                                       .arg(taken)
+                                                       .arg(count));
 }
 
 int fncBinaryFile(const QString& fileName, QByteArray& array) {

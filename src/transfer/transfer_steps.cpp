@@ -107,7 +107,8 @@ QString TransferSteps::fncStartTransfer(const QString& code) {
     return started;
 }
 
-/// Closes a transfer: whatever happened in it, the unit returns to normal operation and the main window to its operator.
+/// Closes a transfer: whatever happened in it, the unit returns to normal operation and the main window to its
+/// operator.
 /// @return the unit's response to the last command
 QString TransferSteps::fncEndTransfer() {
     screen_.stopCommTimer();

@@ -89,10 +89,9 @@ int Sender::waitForStart() {
                                                           u"ユニットが転送を中止しました (CAN)"));
             break;
         case ByteWait::kTimeUp:
-            return fail(kXmodemNoAnswer,
-                        literalText(u"the unit did not ask for the image within %1 s",
-                                    u"ユニットが%1秒以内に転送を開始しませんでした")
-                            .arg(std::chrono::duration<double>(gWaits.transferStart).count()));
+            return fail(kXmodemNoAnswer, literalText(u"the unit did not ask for the image within %1 s",
+                                                     u"ユニットが%1秒以内に転送を開始しませんでした")
+                                             .arg(std::chrono::duration<double>(gWaits.transferStart).count()));
         default:
             boundPort().discardInput();
             if (++strayBytes == kMostStrayBytes)

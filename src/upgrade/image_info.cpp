@@ -17,9 +17,10 @@ int imageVersionWord(const QByteArray& image) {
     const auto byteAt = [&image](int address) { return static_cast<unsigned char>(image[address - kImageBase]); };
     const int word = byteAt(kVersionHigh) * 256 + byteAt(kVersionLow);
     if (word > 0x7FFF)
-        throw RuntimeFailure(failure::kOverflow, literalText(u"Overflow: the version word of the image is %1, above 32767",
-                                                             u"オーバーフロー: イメージのバージョン値 %1 が 32767 を超えています")
-                                                     .arg(word));
+        throw RuntimeFailure(failure::kOverflow,
+                             literalText(u"Overflow: the version word of the image is %1, above 32767",
+                                         u"オーバーフロー: イメージのバージョン値 %1 が 32767 を超えています")
+                                 .arg(word));
     return word;
 }
 

@@ -12,8 +12,8 @@ enum ImageInfo : int { kImageVersionWord = 1, kImageTypeKey = 2 };
 /// A version word above 32767 is reported as an overflow and gives empty text, as an empty buffer does.
 QString fncGetImageInfo(int kind);
 
-/// The characters of unit addresses `first` to `last`, where `buffer` begins at unit address `base`; ends early with the
-/// buffer. Pure.
+/// The characters of unit addresses `first` to `last`, where `buffer` begins at unit address `base`; ends early with
+/// the buffer. Pure.
 QString fncGetImageText(const QByteArray& buffer, int first, int last, int base);
 
 /// The version word of `image`. Pure.

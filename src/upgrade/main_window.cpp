@@ -25,24 +25,15 @@ constexpr qreal kHeadingPoints = 11.25;
 constexpr qreal kRowPoints = 9.75;
 
 constexpr ControlPlace kPlaces[] = {
-    {"lblPresent", 240, 120, 3'255, 300},
-    {"optPresent(0)", 360, 480, 300, 240},
-    {"optPresent(1)", 360, 720, 300, 240},
-    {"lblTitle(0)", 720, 480, 1'335, 240},
-    {"lblTitle(1)", 720, 720, 1'335, 240},
-    {"lblTitle(2)", 720, 1'560, 1'335, 240},
-    {"lblVersion(0)", 2'040, 480, 1'455, 240},
-    {"lblVersion(1)", 2'040, 720, 1'455, 240},
-    {"lblVersion(2)", 2'040, 1'560, 1'455, 240},
-    {"lblRewriting", 240, 1'200, 3'255, 300},
-    {"chkVerify", 360, 2'040, 1'695, 315},
-    {"cmdLoading", 2'160, 2'040, 1'335, 315},
-    {"cmdPresent", 0, 2'640, 75, 315},
-    {"cmdUpgrade", 600, 2'640, 1'335, 315},
-    {"cmdEnd", 2'160, 2'640, 1'335, 315},
-    {"LabelWriteProtect", 3'480, 120, 1'935, 300},
-    {"horizontalLine", 0, 2'520, 5'400, 30},
-    {"verticalLine", 3'720, 0, 30, 2'520},
+    {"lblPresent", 240, 120, 3'255, 300},        {"optPresent(0)", 360, 480, 300, 240},
+    {"optPresent(1)", 360, 720, 300, 240},       {"lblTitle(0)", 720, 480, 1'335, 240},
+    {"lblTitle(1)", 720, 720, 1'335, 240},       {"lblTitle(2)", 720, 1'560, 1'335, 240},
+    {"lblVersion(0)", 2'040, 480, 1'455, 240},   {"lblVersion(1)", 2'040, 720, 1'455, 240},
+    {"lblVersion(2)", 2'040, 1'560, 1'455, 240}, {"lblRewriting", 240, 1'200, 3'255, 300},
+    {"chkVerify", 360, 2'040, 1'695, 315},       {"cmdLoading", 2'160, 2'040, 1'335, 315},
+    {"cmdPresent", 0, 2'640, 75, 315},           {"cmdUpgrade", 600, 2'640, 1'335, 315},
+    {"cmdEnd", 2'160, 2'640, 1'335, 315},        {"LabelWriteProtect", 3'480, 120, 1'935, 300},
+    {"horizontalLine", 0, 2'520, 5'400, 30},     {"verticalLine", 3'720, 0, 30, 2'520},
 };
 
 QLabel* addHeading(QWidget& form, const char* name) {
@@ -145,11 +136,17 @@ void frmMain::showWindow() {
     cmdLoading->setFocus();
 }
 
-void frmMain::closeEvent(QCloseEvent*) { Form_QueryUnload(); }
+void frmMain::closeEvent(QCloseEvent*) {
+    Form_QueryUnload();
+}
 
-void frmMain::Form_QueryUnload() { endProgram(); }
+void frmMain::Form_QueryUnload() {
+    endProgram();
+}
 
-int frmMain::targetRow() const { return optPresent[0]->isChecked() ? 0 : 1; }
+int frmMain::targetRow() const {
+    return optPresent[0]->isChecked() ? 0 : 1;
+}
 
 void frmMain::disableWindow() {
     focusBefore_ = focusWidget();
@@ -165,7 +162,9 @@ void frmMain::enableWindow() {
         focusBefore_->setFocus();
 }
 
-void frmMain::setDefaultCursor() { unsetCursor(); }
+void frmMain::setDefaultCursor() {
+    unsetCursor();
+}
 
 frmWait& frmMain::progressDialog() {
     if (!frmWait_)
@@ -173,8 +172,14 @@ frmWait& frmMain::progressDialog() {
     return *frmWait_;
 }
 
-void frmMain::showProgress() { progressDialog().start(kImageSize); }
+void frmMain::showProgress() {
+    progressDialog().start(kImageSize);
+}
 
-void frmMain::setProgress(int bytes) { progressDialog().setBytes(bytes); }
+void frmMain::setProgress(int bytes) {
+    progressDialog().setBytes(bytes);
+}
 
-void frmMain::unloadProgress() { frmWait_.reset(); }
+void frmMain::unloadProgress() {
+    frmWait_.reset();
+}

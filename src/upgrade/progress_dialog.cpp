@@ -23,7 +23,8 @@ static constexpr ControlPlace kPlaces[] = {
 
 frmWait::frmWait(QWidget& owner)
     : QDialog(nullptr, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint),
-      cmdCancel(addControl<QPushButton>(*this, QStringLiteral("cmdCancel"))), owner_(owner),
+      cmdCancel(addControl<QPushButton>(*this, QStringLiteral("cmdCancel"))),
+      owner_(owner),
       lblMsg(addControl<FittedLabel>(*this, QStringLiteral("lblMsg"))),
       prbComm(addControl<QProgressBar>(*this, QStringLiteral("prbComm"))) {
     setObjectName(QStringLiteral("frmWait"));
@@ -38,17 +39,23 @@ frmWait::frmWait(QWidget& owner)
 
 void frmWait::start(int bytes) {
     prbComm->setRange(0, bytes);
+    sinceFirst_.invalidate();
     setBytes(0);
     refresh();
     refresh_.start();
-    elapsed_.start();
     create();
     windowHandle()->setTransientParent(owner_.windowHandle());
     move(owner_.frameGeometry().center() - rect().center());
     show();
 }
 
-void frmWait::setBytes(int bytes) { bytes_ = bytes; }
+void frmWait::setBytes(int bytes) {
+    bytes_ = bytes;
+    if (bytes > 0 && !sinceFirst_.isValid()) {
+        sinceFirst_.start();
+        first_ = bytes;
+    }
+}
 
 void frmWait::refresh() {
     prbComm->setFormat(timeLeft());
@@ -58,13 +65,15 @@ void frmWait::refresh() {
 /// Share done, and the time that the rest takes at the rate so far.
 QString frmWait::timeLeft() const {
     constexpr qint64 kLeastMeasured = 1'000;
-    if (bytes_ == 0 || elapsed_.elapsed() < kLeastMeasured)
+    if (!sinceFirst_.isValid() || sinceFirst_.elapsed() < kLeastMeasured || bytes_ == first_)
         return QStringLiteral("%p%");
-    const qint64 milliseconds = elapsed_.elapsed() * (prbComm->maximum() - bytes_) / bytes_;
+    const qint64 milliseconds = sinceFirst_.elapsed() * (prbComm->maximum() - bytes_) / (bytes_ - first_);
     const qint64 seconds = (milliseconds + 999) / 1'000;
     return literalText(u"%p%  (%1:%2 left)", u"%p%（残り %1:%2）")
         .arg(seconds / 60)
         .arg(seconds % 60, 2, 10, QLatin1Char('0'));
 }
 
-void frmWait::closeEvent(QCloseEvent* event) { event->ignore(); }
+void frmWait::closeEvent(QCloseEvent* event) {
+    event->ignore();
+}

@@ -37,6 +37,7 @@ private:
     QLabel* lblMsg;
     QProgressBar* prbComm;
     QTimer refresh_;
-    QElapsedTimer elapsed_;
+    QElapsedTimer sinceFirst_;  ///< since the first bytes were done; before them the unit only prepares itself
+    int first_ = 0;             ///< those bytes
     int bytes_ = 0;
 };

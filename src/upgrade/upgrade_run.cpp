@@ -41,9 +41,13 @@ bool frmMain::confirmCommunication() {
     return fncCheckSensorComm() == 0 || fncMsgBox(IDS_MSGERR_NOTCHECK_CONFIRM, kOkCancel) == kOk;
 }
 
-void frmMain::startCommTimer() { CommTimer.start(std::chrono::milliseconds(100)); }
+void frmMain::startCommTimer() {
+    CommTimer.start(std::chrono::milliseconds(100));
+}
 
-void frmMain::stopCommTimer() { CommTimer.stop(); }
+void frmMain::stopCommTimer() {
+    CommTimer.stop();
+}
 
 void frmMain::CommTimer_Timer() {
     if (gTransferBusy)

@@ -41,5 +41,8 @@ void frmMain::optPresent_Click(int index) {
 }
 
 void frmMain::showWrittenVersion() {
-    lblVersion[static_cast<std::size_t>(targetRow())]->setText(lblVersion[kImageRow]->text());
+    const QString written = lblVersion[kImageRow]->text();
+    lblVersion[static_cast<std::size_t>(targetRow())]->setText(written);
+    // The unit's version is this one from now on: the next refresh of the rows must not bring the old one back.
+    (targetRow() == 0 ? gAmpVersion : gIfuVersion) = written;
 }
