@@ -1,0 +1,120 @@
+#include "simulator/command_machine.h"
+
+#include "simulator/control_bytes.h"
+
+namespace units {
+
+namespace {
+
+constexpr std::size_t kCodeSize = 4;
+constexpr const char* kUnknownCommand = "1001";
+constexpr const char* kOutOfOrder = "1003";
+
+bool disobeys(const ActiveFaults& faults) {
+    return faults.has(FaultKind::endcode) || faults.has(FaultKind::response) || faults.has(FaultKind::unplug) ||
+           faults.has(FaultKind::mute);
+}
+
+void falsify(Reply& reply, const ActiveFaults& faults) {
+    for (const Fault& fault : faults) {
+        if (fault.kind == FaultKind::endcode) {
+            reply.endCode = fault.code;
+        } else if (fault.kind == FaultKind::response) {
+            reply.endCode = "0F";
+            reply.response = fault.code;
+            reply.data.clear();
+        } else if (fault.kind == FaultKind::data) {
+            reply.data = fault.bytes;
+        }
+    }
+}
+
+std::string describe(const Reply& reply) {
+    return "reply " + reply.command + ", end code " + reply.endCode + ", response " + reply.response + ", data '" +
+           printable(std::string(reply.data.begin(), reply.data.end())) + "'";
+}
+
+}  // namespace
+
+Script CommandMachine::begin(Time) {
+    cancelMayFollow_ = transfer_.has_value();
+    transfer_.reset();
+    return {};
+}
+
+Script CommandMachine::take(std::uint8_t byte, Time now) {
+    // Whoever cancels a transfer sends more CANs than it takes; the rest of them arrives here.
+    if (byte == kCan && cancelMayFollow_ && !parser_.waits())
+        return {};
+    lastByte_ = now;
+    const RequestParser::Result result = parser_.take(byte);
+    if (result.violation)
+        journal_.violation(now, *result.violation);
+    return result.command ? answer(*result.command, now) : Script{};
+}
+
+Script CommandMachine::timeout(Time now) {
+    if (const auto result = parser_.silence(); result.violation)
+        journal_.violation(now, *result.violation);
+    return {};
+}
+
+std::optional<Time> CommandMachine::deadline() const {
+    return parser_.waits() ? std::optional(lastByte_ + timing_.byteGap) : std::nullopt;
+}
+
+Script CommandMachine::answer(const std::string& command, Time now) {
+    journal_.request(now, command, parser_.frame());
+    cancelMayFollow_ = false;
+    const ActiveFaults faults = faults_.occur({PlaceKind::command, command, 0});
+    if (!faults.empty())
+        journal_.note(now, "fault " + faults.text());
+
+    const bool silent = faults.has(FaultKind::silence);
+    Reply reply = execute(command, !silent && !disobeys(faults), now);
+    if (silent || command.size() < kCodeSize)
+        return {};
+    falsify(reply, faults);
+    if (transfer_)
+        transfer_->unsure = !faults.empty();
+    Script script = shape(encode(reply), faults);
+    journal_.sent(now, describe(reply), bytesOf(script));
+    return script;
+}
+
+Reply CommandMachine::execute(const std::string& command, bool obey, Time now) {
+    Reply reply{.command = command.substr(0, kCodeSize)};
+    if (command == "0501")
+        reply.data = bytesOf(devices_.attributes());
+    else if (command == "0601")
+        reply.data = bytesOf(devices_.status());
+    else if (command == "0101D40001000001")
+        reply.data = bytesOf("0000" + hexNumber(devices_.typeNumber(), 4));
+    else if (command == "0101D50001000001")
+        reply.data = bytesOf("000000" + hexNumber(devices_.kind(), 2));
+    else if (const auto operation = parseOperation(command))
+        return operate(*operation, std::move(reply), obey, now);
+    else
+        return refuse(std::move(reply), kUnknownCommand, "unknown command '" + command + "'", now);
+    return reply;
+}
+
+Reply CommandMachine::operate(const Operation& operation, Reply reply, bool obey, Time now) {
+    if (const auto reason = operations_.request(operation))
+        return refuse(std::move(reply), kOutOfOrder, *reason, now);
+    if (!obey)
+        return reply;
+    operations_.accept(operation);
+    if (operation.code == Operation::Code::download || operation.code == Operation::Code::upload)
+        transfer_ = Transfer{operation.code == Operation::Code::download, operation.unit, false};
+    return reply;
+}
+
+Reply CommandMachine::refuse(Reply reply, const char* response, const std::string& reason, Time now) {
+    journal_.violation(now, reason);
+    reply.endCode = "0F";
+    reply.response = response;
+    return reply;
+}
+
+}  // namespace units

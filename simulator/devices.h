@@ -1,0 +1,59 @@
+#pragma once
+
+#include "simulator/bytes.h"
+#include "simulator/options.h"
+
+#include <array>
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <string>
+
+namespace units {
+
+/// What the two units are and which firmware they run. Safe to use from several threads.
+class Devices {
+public:
+    /// Throws std::invalid_argument if an option is out of range, std::runtime_error if a firmware file that is to
+    /// follow the firmware cannot be written.
+    explicit Devices(const Options& options);
+
+    /// Model name padded to 16 characters, then "V" and the version.
+    std::string attributes() const;
+
+    /// Two status characters and the two-digit number of amplifiers.
+    std::string status() const;
+
+    std::uint16_t typeNumber() const;
+    std::uint8_t kind() const { return kind_; }
+    CheckMode checkMode(Unit unit) const;
+
+    Bytes firmware(Unit unit) const;
+
+    /// Puts a new image of kImageSize bytes into a unit, which from then on shows its version.
+    void install(Unit unit, Bytes image);
+
+    /// How often install() has been called.
+    unsigned installs() const;
+
+private:
+    struct Device {
+        Bytes firmware;
+        std::string file;
+        CheckMode checkMode;
+    };
+
+    const Device& device(Unit unit) const { return devices_[static_cast<std::size_t>(unit)]; }
+    void save(Unit unit) const;
+
+    mutable std::mutex mutex_;
+    std::string model_;
+    std::string status_;
+    std::uint8_t kind_;
+    std::optional<std::string> interfaceVersion_;
+    std::optional<std::uint16_t> typeNumber_;
+    std::array<Device, 2> devices_;
+    unsigned installs_ = 0;
+};
+
+}  // namespace units

@@ -1,0 +1,104 @@
+#pragma once
+
+#include "simulator/arrivals.h"
+#include "simulator/command_machine.h"
+#include "simulator/devices.h"
+#include "simulator/fault_book.h"
+#include "simulator/journal.h"
+#include "simulator/machine.h"
+#include "simulator/pty.h"
+#include "simulator/transmitter.h"
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+namespace units {
+
+/// Connects the machines with the port and the clock. run() belongs to one thread; everything else may be called from
+/// any.
+class Engine {
+public:
+    /// Opens the port. Throws std::system_error if that fails.
+    Engine(const Options& options, Devices& devices, FaultBook& faults, Journal& journal);
+    ~Engine();
+    Engine(const Engine&) = delete;
+    Engine& operator=(const Engine&) = delete;
+
+    const std::string& port() const { return pty_.port(); }
+
+    /// Serves the port until stop().
+    void run();
+    void stop();
+
+    /// Hangs up for good; returns when it has happened. Only while another thread is in run().
+    void unplug();
+
+    /// Waits until all requests received so far are answered and no transfer is under way; false if that takes longer
+    /// than the time.
+    bool waitIdle(std::chrono::milliseconds timeout);
+
+    /// Whether the one download of a receive-only simulation is over.
+    bool finished() const { return finished_; }
+
+    /// Time from the first byte of the first packet to the end of the last complete download.
+    std::optional<Time> downloadTime() const;
+
+private:
+    Time now() const { return std::chrono::steady_clock::now() - start_; }
+    bool gone() const { return pty_.descriptor() < 0 || muted_ || finished_; }
+    void work();
+    bool advance();
+    bool receive();
+    void judgeEarlyBytes();
+    void feed(Time until);
+    void play(Script script, Time from);
+    bool transmit(Time time);
+    void endScript(Step::Ending ending, Time time);
+    void changeMachine(Time time);
+    std::unique_ptr<Machine> makeTransfer(const Transfer& transfer);
+    std::unique_ptr<Machine> makeReceiver(Unit unit, bool unsure);
+    void startTransfer(std::unique_ptr<Machine> machine, Time time);
+    void hangUp(Time time);
+    bool idle() const;
+    void reportIdle(unsigned ticket);
+    std::optional<Time> nextEvent() const;
+    void wait();
+    void wake();
+
+    const Options options_;
+    Devices& devices_;
+    FaultBook& faults_;
+    Journal& journal_;
+    const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+    Pty pty_;
+    int wake_;
+
+    Arrivals arrivals_;
+    Transmitter transmitter_;
+    CommandMachine commands_;
+    std::unique_ptr<Machine> transfer_;  ///< null while commands are answered
+    Machine* machine_;
+    bool sending_ = false;
+    Time wakeLateness_{0};  ///< how late this thread last woke up
+    bool blocked_ = false;
+    bool earlyBytesExcused_ = false;
+    bool muted_ = false;
+    std::string settingsFlaw_;
+
+    std::atomic<bool> stop_ = false;
+    std::atomic<bool> unplug_ = false;
+    std::atomic<bool> finished_ = false;
+    std::atomic<unsigned> idleTickets_ = 0;
+    mutable std::mutex mutex_;
+    std::condition_variable changed_;
+    unsigned idleSeen_ = 0;
+    bool unplugged_ = false;
+    std::optional<Time> downloadTime_;
+};
+
+}  // namespace units

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "simulator/fault.h"
+
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace units {
+
+/// The faults that happen at one occurrence of a place.
+class ActiveFaults {
+public:
+    ActiveFaults() = default;
+    explicit ActiveFaults(std::vector<Fault> faults) : faults_(std::move(faults)) {}
+
+    bool empty() const { return faults_.empty(); }
+    bool has(FaultKind kind) const { return find(kind) != nullptr; }
+
+    /// The first fault of a kind, or null.
+    const Fault* find(FaultKind kind) const;
+
+    /// Whether the client may afterwards be an answer ahead or behind through no fault of its own.
+    bool upsetOrder() const;
+
+    auto begin() const { return faults_.begin(); }
+    auto end() const { return faults_.end(); }
+
+    /// The faults as they were written, for the journal.
+    std::string text() const;
+
+private:
+    std::vector<Fault> faults_;
+};
+
+/// Keeps count of when each fault is due. Safe to use from several threads.
+class FaultBook {
+public:
+    /// Throws std::invalid_argument if a fault cannot be read.
+    explicit FaultBook(const std::vector<std::string>& faults);
+
+    /// Counts an occurrence of the place and returns the faults that are due at it.
+    ActiveFaults occur(const Place& place);
+
+    /// The faults that have not happened so far, as they were written.
+    std::vector<std::string> unused() const;
+
+private:
+    struct Entry {
+        Fault fault;
+        unsigned seen = 0;
+        bool used = false;
+    };
+
+    mutable std::mutex mutex_;
+    std::vector<Entry> entries_;
+};
+
+}  // namespace units

@@ -1,0 +1,97 @@
+#include "simulator/journal.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <iostream>
+#include <stdexcept>
+
+namespace units {
+
+namespace {
+
+std::string milliseconds(Time at) {
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%11.3f ", std::chrono::duration<double, std::milli>(at).count());
+    return text.data();
+}
+
+}  // namespace
+
+Journal::Journal(const std::string& path, bool violationsToStderr) : violationsToStderr_(violationsToStderr) {
+    if (path.empty())
+        return;
+    file_.open(path, std::ios::trunc);
+    if (!file_)
+        throw std::runtime_error("cannot write " + path);
+}
+
+void Journal::received(Time at, std::string_view meaning, std::span<const std::uint8_t> bytes) {
+    const std::lock_guard lock(mutex_);
+    write(at, "<- ", meaning, bytes);
+}
+
+void Journal::sent(Time at, std::string_view meaning, std::span<const std::uint8_t> bytes) {
+    const std::lock_guard lock(mutex_);
+    write(at, "-> ", meaning, bytes);
+}
+
+void Journal::note(Time at, std::string_view meaning) {
+    const std::lock_guard lock(mutex_);
+    write(at, "   ", meaning, {});
+}
+
+void Journal::violation(Time at, std::string_view meaning) {
+    const std::lock_guard lock(mutex_);
+    violations_.emplace_back(meaning);
+    write(at, "!! VIOLATION: ", meaning, {});
+    if (violationsToStderr_)
+        std::cerr << lines_.back() << std::endl;
+}
+
+void Journal::request(Time at, const std::string& command, std::span<const std::uint8_t> frame) {
+    const std::lock_guard lock(mutex_);
+    requests_.push_back(command);
+    write(at, "<- ", "request " + command, frame);
+}
+
+std::vector<std::string> Journal::lines() const {
+    const std::lock_guard lock(mutex_);
+    return lines_;
+}
+
+std::vector<std::string> Journal::violations() const {
+    const std::lock_guard lock(mutex_);
+    return violations_;
+}
+
+std::vector<std::string> Journal::requests() const {
+    const std::lock_guard lock(mutex_);
+    return requests_;
+}
+
+bool Journal::waitFor(std::string_view text, std::chrono::milliseconds timeout) const {
+    std::unique_lock lock(mutex_);
+    std::size_t looked = 0;
+    return grown_.wait_for(lock, timeout, [&] {
+        for (; looked < lines_.size(); ++looked)
+            if (lines_[looked].find(text) != std::string::npos)
+                return true;
+        return false;
+    });
+}
+
+void Journal::write(Time at, std::string_view direction, std::string_view meaning,
+                    std::span<const std::uint8_t> bytes) {
+    std::string line = milliseconds(at);
+    line += direction;
+    line += meaning;
+    if (!bytes.empty())
+        line += "  [" + hexDump(bytes) + "]";
+    if (file_.is_open())
+        file_ << line << std::endl;
+    lines_.push_back(std::move(line));
+    grown_.notify_all();
+}
+
+}  // namespace units

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "simulator/bytes.h"
+#include "simulator/options.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <fstream>
+#include <mutex>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace units {
+
+/// What happened, one line an event: milliseconds since the start, direction, meaning. Safe to use from several
+/// threads.
+class Journal {
+public:
+    /// Writes to the file as well unless the path is empty. Throws std::runtime_error if it cannot be opened.
+    explicit Journal(const std::string& path = {}, bool violationsToStderr = false);
+
+    void received(Time at, std::string_view meaning, std::span<const std::uint8_t> bytes = {});
+    void sent(Time at, std::string_view meaning, std::span<const std::uint8_t> bytes = {});
+    void note(Time at, std::string_view meaning);
+
+    /// The client broke the format or the order of the conversation.
+    void violation(Time at, std::string_view meaning);
+
+    /// A well-formed request came; its command text is kept in requests().
+    void request(Time at, const std::string& command, std::span<const std::uint8_t> frame);
+
+    std::vector<std::string> lines() const;
+    std::vector<std::string> violations() const;
+    std::vector<std::string> requests() const;
+
+    /// Waits until a line contains the text; false if none does within the time.
+    bool waitFor(std::string_view text, std::chrono::milliseconds timeout) const;
+
+private:
+    void write(Time at, std::string_view direction, std::string_view meaning, std::span<const std::uint8_t> bytes);
+
+    mutable std::mutex mutex_;
+    mutable std::condition_variable grown_;
+    std::ofstream file_;
+    bool violationsToStderr_;
+    std::vector<std::string> lines_;
+    std::vector<std::string> violations_;
+    std::vector<std::string> requests_;
+};
+
+}  // namespace units

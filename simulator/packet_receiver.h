@@ -1,0 +1,79 @@
+#pragma once
+
+#include "simulator/fault_book.h"
+#include "simulator/journal.h"
+#include "simulator/machine.h"
+#include "simulator/options.h"
+
+#include <functional>
+#include <string>
+
+namespace units {
+
+/// Takes a firmware image by XMODEM: asks for it with the start character, checks every packet to the letter, and hands
+/// the image over when the end of exactly 1920 blocks is acknowledged.
+class PacketReceiver final : public Machine {
+public:
+    /// Called with the complete image right before the acknowledgement of its end is sent, and with the time since the
+    /// first byte of the first packet.
+    using Accept = std::function<void(const Bytes& image, Time duration)>;
+
+    /// `unsure`: a fault kept the client from knowing that the download has started.
+    PacketReceiver(CheckMode mode, bool unsure, FaultBook& faults, Journal& journal, const Timing& timing,
+                   Accept accept);
+
+    Script begin(Time now) override;
+    Script take(std::uint8_t byte, Time now) override;
+    void sent(Time now) override;
+    Script timeout(Time now) override;
+    std::optional<Time> deadline() const override { return deadline_; }
+    bool over() const override { return state_ == State::over; }
+    std::optional<std::uint8_t> handedBack() const override { return handedBack_; }
+
+private:
+    /// starting: no packet yet; between: waits for the next; inside: a packet has begun; purging: waits for silence
+    /// after a breach; lingering: the image is complete, but its acknowledgement may have got lost.
+    enum class State { starting, between, inside, purging, lingering, over };
+
+    std::size_t packetSize() const { return mode_ == CheckMode::crc ? 133 : 132; }
+    Script askForStart(Time now);
+    Script takeBetween(std::uint8_t byte, Time now);
+    Script takeInside(std::uint8_t byte, Time now);
+    Script takePurging(std::uint8_t byte, Time now);
+    Script takeCancel(Time now);
+    Script packet(Time now);
+    std::string packetFlaw() const;
+    Script newPacket(Time now);
+    Script repeatedPacket(Time now);
+    Script answerPacket(const std::string& meaning, Time now);
+    Script endOfTransfer(Time now);
+    Script brokenOff(Time now);
+    Script answerControl(std::uint8_t control, const ActiveFaults& faults);
+    Script refuse(const std::string& reason, Time now);
+    Script retry(Time now);
+    ActiveFaults faultsOfPacket();
+    void end(const std::string& reason, Time now);
+
+    CheckMode mode_;
+    FaultBook& faults_;
+    Journal& journal_;
+    Timing timing_;
+    Accept accept_;
+
+    State state_ = State::starting;
+    std::optional<Time> deadline_;
+    std::optional<std::uint8_t> handedBack_;
+    Bytes image_;
+    Bytes packet_;
+    ActiveFaults packetFaults_;
+    std::optional<Time> firstPacket_;
+    unsigned blocks_ = 0;
+    unsigned tries_ = 0;
+    unsigned cancels_ = 0;
+    bool unsure_;             ///< the client may believe that the transfer has ended or never started
+    bool outOfStep_ = false;  ///< the client may be an answer ahead or behind through no fault of its own
+    bool mayRepeat_ = false;  ///< something gave the client reason to send the last packet again
+    bool accepted_ = false;
+};
+
+}  // namespace units

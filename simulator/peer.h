@@ -1,0 +1,43 @@
+#pragma once
+
+#include "simulator/journal.h"
+#include "simulator/machine.h"
+
+#include <string>
+#include <sys/types.h>
+
+namespace units {
+
+/// A program that takes the place of a unit for one transfer: what the client sends is its standard input, its standard
+/// output goes to the client. It is killed if it still runs at the end.
+class Peer final : public Machine {
+public:
+    Peer(std::string command, Journal& journal) : command_(std::move(command)), journal_(journal) {}
+    ~Peer() override;
+    Peer(const Peer&) = delete;
+    Peer& operator=(const Peer&) = delete;
+
+    /// Starts the program. Throws std::system_error if there is no way to.
+    Script begin(Time now) override;
+    Script take(std::uint8_t byte, Time now) override;
+    void sent(Time) override {}
+    Script timeout(Time) override { return {}; }
+    std::optional<Time> deadline() const override { return std::nullopt; }
+    bool over() const override { return output_ < 0; }
+    int descriptor() const override { return output_; }
+    Script readable(Time now) override;
+
+private:
+    void finish(Time now);
+
+    std::string command_;
+    Journal& journal_;
+    pid_t process_ = -1;
+    int input_ = -1;
+    int output_ = -1;
+    unsigned long taken_ = 0;
+    unsigned long produced_ = 0;
+    Time lastEvent_{0};
+};
+
+}  // namespace units

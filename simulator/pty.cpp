@@ -1,0 +1,172 @@
+#include "simulator/pty.h"
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/ioctl.h>
+#include <system_error>
+#include <termios.h>
+#include <thread>
+#include <unistd.h>
+
+namespace units {
+
+namespace {
+
+[[noreturn]] void fail(const std::string& what) {
+    throw std::system_error(errno, std::generic_category(), what);
+}
+
+void makeRaw(int descriptor) {
+    termios settings{};
+    tcgetattr(descriptor, &settings);
+    cfmakeraw(&settings);
+    tcsetattr(descriptor, TCSANOW, &settings);
+}
+
+void makeHostile(int descriptor) {
+    termios settings{};
+    tcgetattr(descriptor, &settings);
+    settings.c_lflag |= ICANON | ECHO | ECHOE | ISIG | IEXTEN;
+    settings.c_iflag |= ICRNL | IXON | IXOFF | ISTRIP | PARMRK | INPCK;
+    settings.c_oflag |= OPOST | ONLCR;
+    settings.c_cflag |= CSTOPB | HUPCL;
+    cfsetspeed(&settings, B9600);
+    tcsetattr(descriptor, TCSANOW, &settings);
+}
+
+/// Looks at the condition until it holds, for two seconds at most.
+template <typename Condition>
+void waitUntil(Condition condition) {
+    for (int tries = 0; tries < 400 && !condition(); ++tries)
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+}
+
+unsigned bitsPerSecond(speed_t speed) {
+    struct Speed {
+        speed_t code;
+        unsigned bits;
+    };
+    constexpr std::array<Speed, 9> kSpeeds = {{{B1200, 1200},
+                                               {B2400, 2400},
+                                               {B4800, 4800},
+                                               {B9600, 9600},
+                                               {B19200, 19200},
+                                               {B38400, 38400},
+                                               {B57600, 57600},
+                                               {B115200, 115200},
+                                               {B230400, 230400}}};
+    for (const Speed& known : kSpeeds)
+        if (known.code == speed)
+            return known.bits;
+    return 0;
+}
+
+}  // namespace
+
+// Delegates, so that the destructor closes what is open if something later fails.
+Pty::Pty(const Options& options) : Pty() {
+    openBoth();
+    termios fresh{};
+    tcgetattr(slave_, &fresh);
+    makeRaw(slave_);
+    leaveWaiting(options.stale);
+    if (options.lineState == LineState::fresh)
+        tcsetattr(slave_, TCSANOW, &fresh);
+    if (options.lineState == LineState::hostile)
+        makeHostile(slave_);
+    if (!options.link.empty())
+        makeLink(options.link);
+}
+
+Pty::~Pty() {
+    closeAll();
+}
+
+Bytes Pty::read(std::size_t limit) {
+    Bytes bytes(limit);
+    const ssize_t count = ::read(master_, bytes.data(), bytes.size());
+    bytes.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+    return bytes;
+}
+
+std::size_t Pty::write(std::span<const std::uint8_t> bytes) {
+    if (bytes.empty())
+        return 0;
+    const ssize_t count = ::write(master_, bytes.data(), bytes.size());
+    return count > 0 ? static_cast<std::size_t>(count) : 0;
+}
+
+std::optional<std::string> Pty::settingsFlaw(unsigned speed) const {
+    termios settings{};
+    tcgetattr(slave_, &settings);
+    if (bitsPerSecond(cfgetispeed(&settings)) != speed || bitsPerSecond(cfgetospeed(&settings)) != speed)
+        return "port set to another speed than " + std::to_string(speed);
+    if ((settings.c_cflag & CSIZE) != CS8 || (settings.c_cflag & (PARENB | CSTOPB)) != 0)
+        return "port not set to eight bits, no parity, one stop bit";
+    if ((settings.c_lflag & (ICANON | ECHO | ISIG)) != 0 || (settings.c_oflag & OPOST) != 0)
+        return "port not raw";
+    if ((settings.c_iflag & (IXON | IXOFF | ICRNL | INLCR | IGNCR | ISTRIP)) != 0)
+        return "port changes or swallows bytes it receives";
+    return std::nullopt;
+}
+
+void Pty::unplug() {
+    if (master_ < 0)
+        return;
+    waitUntilRead();
+    closeAll();
+}
+
+void Pty::makeLink(const std::string& path) {
+    if (std::filesystem::is_symlink(path))
+        std::filesystem::remove(path);
+    std::filesystem::create_symlink(port_, path);
+    link_ = path;
+}
+
+void Pty::closeAll() {
+    if (!link_.empty())
+        unlink(link_.c_str());
+    link_.clear();
+    for (int* descriptor : {&slave_, &master_}) {
+        if (*descriptor >= 0)
+            close(*descriptor);
+        *descriptor = -1;
+    }
+}
+
+void Pty::openBoth() {
+    master_ = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
+    if (master_ < 0 || grantpt(master_) != 0 || unlockpt(master_) != 0)
+        fail("cannot open a pseudo-terminal");
+    std::array<char, 128> name{};
+    if (ptsname_r(master_, name.data(), name.size()) != 0)
+        fail("cannot name the pseudo-terminal");
+    port_ = name.data();
+    slave_ = open(port_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (slave_ < 0)
+        fail("cannot open " + port_);
+}
+
+void Pty::leaveWaiting(const Bytes& bytes) {
+    // They must have arrived before the settings change, or they would be echoed.
+    const auto size = static_cast<int>(write(bytes));
+    waitUntil([this, size] { return waitingBytes() >= size; });
+}
+
+int Pty::waitingBytes() const {
+    int waiting = 0;
+    return ioctl(slave_, FIONREAD, &waiting) == 0 ? waiting : 0;
+}
+
+void Pty::waitUntilRead() const {
+    // What has just been written takes a moment to arrive at the near end, where it is counted.
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    waitUntil([this] { return waitingBytes() == 0; });
+}
+
+}  // namespace units

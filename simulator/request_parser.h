@@ -1,0 +1,49 @@
+#pragma once
+
+#include "simulator/bytes.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+namespace units {
+
+/// Takes request frames apart: STX, node "00", sub-address "00", service "0", command text, ETX, check byte. Eats one
+/// byte at a time; after a breach of the format it looks for the next STX.
+class RequestParser {
+public:
+    static constexpr std::size_t kMaxCommand = 32;
+
+    /// What a byte completed. At most one of the two is set.
+    struct Result {
+        std::optional<std::string> command;    ///< text of a well-formed frame
+        std::optional<std::string> violation;  ///< how the format was broken
+    };
+
+    Result take(std::uint8_t byte);
+
+    /// The line has been silent for too long. Reports a frame that was broken off.
+    Result silence();
+
+    /// Whether bytes of a frame have come, but not all.
+    bool inFrame() const { return state_ == State::inside || state_ == State::check; }
+
+    /// Whether silence() would change anything.
+    bool waits() const { return state_ != State::outside; }
+
+    /// The bytes of the frame last begun, including those of a completed one.
+    const Bytes& frame() const { return frame_; }
+
+private:
+    enum class State { outside, inside, check, skipping };
+
+    Result begin(std::uint8_t byte);
+    Result add(std::uint8_t byte);
+    Result finish(std::uint8_t byte);
+    Result refuse(const std::string& reason);
+
+    State state_ = State::outside;
+    Bytes frame_;
+};
+
+}  // namespace units

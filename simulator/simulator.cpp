@@ -1,0 +1,24 @@
+#include "simulator/simulator.h"
+
+#include <stdexcept>
+
+namespace units {
+
+Simulator::Simulator(const Options& options)
+    : journal_(options.journal, options.violationsToStderr),
+      faults_(options.faults),
+      devices_(options),
+      engine_(options, devices_, faults_, journal_),
+      thread_([this] { engine_.run(); }) {}
+
+Simulator::~Simulator() {
+    stop();
+}
+
+void Simulator::stop() {
+    engine_.stop();
+    if (thread_.joinable())
+        thread_.join();
+}
+
+}  // namespace units

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "simulator/devices.h"
+#include "simulator/engine.h"
+#include "simulator/fault_book.h"
+#include "simulator/image.h"
+#include "simulator/journal.h"
+#include "simulator/options.h"
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+namespace units {
+
+/// A sensor amplifier behind an interface unit behind a serial port, served by a thread of its own from construction
+/// to stop() or destruction. All functions may be called from any thread.
+class Simulator {
+public:
+    /// Throws std::invalid_argument if an option or fault is wrong, std::runtime_error if a file or the port cannot be
+    /// opened.
+    explicit Simulator(const Options& options = {});
+    ~Simulator();
+    Simulator(const Simulator&) = delete;
+    Simulator& operator=(const Simulator&) = delete;
+
+    /// Path of the port for the client to open.
+    const std::string& port() const { return engine_.port(); }
+
+    std::vector<std::string> journal() const { return journal_.lines(); }
+
+    /// How the client broke the format or order of the conversation; empty if it did not.
+    std::vector<std::string> violations() const { return journal_.violations(); }
+
+    /// Command texts of all well-formed requests in order.
+    std::vector<std::string> requests() const { return journal_.requests(); }
+
+    /// Faults asked for that have not happened yet.
+    std::vector<std::string> unusedFaults() const { return faults_.unused(); }
+
+    Bytes firmware(Unit unit) const { return devices_.firmware(unit); }
+
+    /// Number of images accepted by both units together.
+    unsigned downloads() const { return devices_.installs(); }
+
+    /// Time from the first byte of the first packet to the end of the last image accepted.
+    std::optional<Time> downloadTime() const { return engine_.downloadTime(); }
+
+    /// Waits until a line of the journal contains the text; false if none does within the time.
+    bool waitFor(std::string_view text, std::chrono::milliseconds timeout) const {
+        return journal_.waitFor(text, timeout);
+    }
+
+    /// Waits until every request that has arrived is answered and no transfer is under way; false if that takes longer
+    /// than the time.
+    bool waitIdle(std::chrono::milliseconds timeout) { return engine_.waitIdle(timeout); }
+
+    /// Whether the one download of a receive-only simulation is over, successful or not.
+    bool finished() const { return engine_.finished(); }
+
+    /// Hangs up for good. Not after stop().
+    void unplug() { engine_.unplug(); }
+
+    /// Ends the service. The port stays open until destruction.
+    void stop();
+
+private:
+    Journal journal_;
+    FaultBook faults_;
+    Devices devices_;
+    Engine engine_;
+    std::thread thread_;
+};
+
+}  // namespace units
