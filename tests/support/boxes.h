@@ -1,0 +1,38 @@
+/// An operator who answers every message box at once and remembers what it said.
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+
+#include <deque>
+#include <vector>
+
+/// One message box as the operator saw it.
+struct Box {
+    QString title;
+    QString text;
+    int icon = 0;  ///< a QMessageBox::Icon
+    QStringList buttons;
+};
+
+/// Answers boxes for as long as it lives.
+class BoxOperator : public QObject {
+public:
+    BoxOperator();
+    ~BoxOperator() override;
+
+    /// Presses the button `number` (0 the first) of the next box that has not got its answer yet; later boxes get OK.
+    void answerNext(int number) { answers_.push_back(number); }
+
+    const std::vector<Box>& boxes() const { return boxes_; }
+
+    /// Texts of the boxes so far, in order, with " / " for a line break.
+    QStringList texts() const;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    std::vector<Box> boxes_;
+    std::deque<int> answers_;
+};

@@ -1,0 +1,19 @@
+/// How GoogleTest prints Qt's texts.
+#pragma once
+
+#include <QByteArray>
+#include <QStringList>
+
+#include <ostream>
+
+inline void PrintTo(const QString& text, std::ostream* out) {
+    *out << '"' << text.toStdString() << '"';
+}
+
+inline void PrintTo(const QByteArray& bytes, std::ostream* out) {
+    *out << bytes.toHex(' ').toStdString();
+}
+
+inline void PrintTo(const QStringList& texts, std::ostream* out) {
+    *out << '"' << texts.join(QStringLiteral("\", \"")).toStdString() << '"';
+}

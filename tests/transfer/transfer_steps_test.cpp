@@ -1,0 +1,284 @@
+#include "transfer/transfer_steps.h"
+
+#include "link/com_port.h"
+#include "link/device_commands.h"
+#include "link/frame_link.h"
+#include "link/waits.h"
+#include "simulator/simulator.h"
+#include "support/boxes.h"
+#include "support/program.h"
+#include "text/string_table.h"
+#include "transfer/communication_check.h"
+#include "transfer/image_buffers.h"
+#include "transfer/response_codes.h"
+
+#include <QElapsedTimer>
+#include <QTimer>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+class FakeScreen final : public TransferScreen {
+public:
+    void showProgress() override { calls += "progress"; }
+    void setProgress(int value) override {
+        EXPECT_GE(value, bytes) << "progress only rises";
+        bytes = value;
+    }
+    void unloadProgress() override { calls += "unload"; }
+    void startCommTimer() override { calls += "timer on"; }
+    void stopCommTimer() override { calls += "timer off"; }
+    void enableWindow() override { calls += "enable"; }
+    void setDefaultCursor() override { calls += "cursor"; }
+    void showWrittenVersion() override { calls += "version"; }
+
+    QStringList calls;
+    int bytes = 0;
+};
+
+const QStringList kWholeRun{"progress", "timer on", "timer off", "unload", "enable", "cursor", "version"};
+
+}  // namespace
+
+class TransferTest : public ProgramTest {
+protected:
+    TransferTest() {
+        gLanguage = 1;
+        gLangOffset = 10000;
+        gTransferBusy = false;
+        gUnitNo = kSensorAmplifier;
+        gintCommRetry = 0;
+        image = units::makeImage("SVA-STD", 13500, 7);
+        gImageBuf = QByteArray(reinterpret_cast<const char*>(image.data()), kImageSize) + '\0';
+    }
+
+    ~TransferTest() override {
+        subPortClose();
+        gblnCommBusy = false;
+        gWaits = Waits{};
+    }
+
+    void unitsWith(std::vector<std::string> faults, units::Options options = {}) {
+        options.faults = std::move(faults);
+        // The first start character comes together with the reply to the start command, and is dropped with it.
+        options.timing.startInterval = 50ms;
+        simulator = std::make_unique<units::Simulator>(options);
+        linkPort(1, QString::fromStdString(simulator->port()));
+        ASSERT_TRUE(fncPortOpen(1, QStringLiteral("38400,n,8,1")));
+    }
+
+    /// A whole write, the tick that closes it included; @return the last state.
+    int write() {
+        const int state = steps.fncWriteStep(kWriteToStart);
+        return state == kImageSent ? steps.fncWriteStep(state) : state;
+    }
+
+    bool unitHoldsImage(units::Unit unit = units::Unit::amplifier) const { return simulator->firmware(unit) == image; }
+
+    std::vector<std::string> requests() const { return simulator->requests(); }
+
+    units::Bytes image;
+    std::unique_ptr<units::Simulator> simulator;
+    FakeScreen screen;
+    TransferSteps steps{screen};
+    BoxOperator user;
+};
+
+TEST_F(TransferTest, AWriteIsTheSpecifiedCommandsInTheirOrderAndTheVeryImage) {
+    struct {
+        int unitNo;
+        units::Unit unit;
+        units::CheckMode check;
+        std::vector<std::string> requests;
+    } const cases[] = {
+        {1,
+         units::Unit::amplifier,
+         units::CheckMode::crc,
+         {"300550010000", "300551010C00", "300554010000", "300553010000"}},
+        {0,
+         units::Unit::interface,
+         units::CheckMode::sum,
+         {"300550000000", "300551000C00", "300554000000", "300553000000"}},
+        {1,
+         units::Unit::amplifier,
+         units::CheckMode::sum,
+         {"300550010000", "300551010C00", "300554010000", "300553010000"}},
+    };
+    for (const auto& c : cases) {
+        units::Options options;
+        options.amplifierCheck = options.interfaceCheck = c.check;
+        unitsWith({}, options);
+        gUnitNo = c.unitNo;
+        screen = FakeScreen{};
+        EXPECT_EQ(write(), kIdleAfterWrite);
+        EXPECT_EQ(requests(), c.requests);
+        EXPECT_TRUE(unitHoldsImage(c.unit));
+        EXPECT_EQ(screen.calls, kWholeRun);
+        EXPECT_EQ(screen.bytes, kImageSize);
+        EXPECT_EQ(user.texts().back(), "Succeed");
+        EXPECT_TRUE(simulator->violations().empty());
+        subPortClose();
+    }
+    EXPECT_EQ(user.boxes().size(), 3U);
+    EXPECT_EQ(user.boxes()[0].title, "Dravolt");
+}
+
+TEST_F(TransferTest, AForeignReceiverGetsTheVeryImage) {
+    for (const char* receiver : {"rx", "rx -c"}) {
+        units::Options options;
+        options.receiver =
+            std::string("sleep 0.1; ") + receiver + " " + file("received.bin").toStdString() + " 2>/dev/null";
+        unitsWith({}, options);
+        screen = FakeScreen{};
+        EXPECT_EQ(write(), kIdleAfterWrite) << receiver;
+        EXPECT_EQ(user.texts().back(), "Succeed") << receiver;
+        EXPECT_EQ(readFile("received.bin"), gImageBuf.left(kImageSize)) << receiver;
+        subPortClose();
+        QFile::remove(file("received.bin"));
+    }
+}
+
+TEST_F(TransferTest, WhatTheUnitDoesToPacketsEndsAsItMust) {
+    gWaits.packetAnswer = 100ms;
+    gWaits.transferStart = 300ms;
+    const QString refused = "sent 10 times; the unit refused it (NAK)";
+    const QString silent = "sent 10 times; the unit did not answer";
+    const QString cancelled = "the unit cancelled the transfer (CAN)";
+    const QString begin = "Before the first block: ";
+    const QString end = "At the end of the image (EOT): ";
+    struct {
+        std::vector<std::string> faults;
+        QString failure;  ///< empty: the write succeeds
+    } const cases[] = {
+        {{"nak@packet5*9"}, ""},
+        {{"nak@packet5*10"}, "Block 5 of 1920: " + refused},
+        {{"lost@packet256"}, ""},
+        {{"nak@packet3*5", "silence@packet3#6*4"}, ""},
+        {{"silence@packet1920*10"}, "Block 1920 of 1920: " + silent},
+        {{"answer:4307000006@packet9"}, ""},
+        {{"answer:1806@packet9"}, ""},
+        {{"can:2@packet9"}, "Block 9 of 1920: " + cancelled},
+        {{"noise:39@start#2*9"}, ""},
+        {{"noise:39@start#2*10"}, begin + "10 unexpected bytes came, the last one 39"},
+        {{"noise:18@start#2"}, ""},
+        {{"can:2@start#2"}, begin + cancelled},
+        {{"lost@start*all"}, begin + "the unit did not ask for the image within 0.3 s"},
+        {{"nak@eot"}, ""},
+        {{"lost@eot"}, ""},
+        {{"nak@eot*10"}, end + refused},
+        {{"can:2@eot"}, end + cancelled},
+    };
+    for (const auto& c : cases) {
+        const std::string name = c.faults.front();
+        unitsWith(c.faults);
+        screen = FakeScreen{};
+        const std::size_t saidBefore = user.boxes().size();
+        EXPECT_EQ(write(), kIdleAfterWrite) << name;
+        const QStringList said = user.texts().mid(static_cast<qsizetype>(saidBefore));
+        const QStringList expected = c.failure.isEmpty()
+                                         ? QStringList{"Succeed"}
+                                         : QStringList{"Application error. / RES : " + c.failure, "Failed"};
+        EXPECT_EQ(said, expected) << name;
+        EXPECT_EQ(unitHoldsImage(), c.failure.isEmpty()) << name;
+        EXPECT_EQ(screen.calls.contains("version"), c.failure.isEmpty()) << name;
+        EXPECT_EQ(screen.calls.count("enable"), 1) << name;
+        EXPECT_EQ(requests().back(), "300553010000") << name << ": the transfer is closed";
+        EXPECT_TRUE(simulator->violations().empty()) << name << ": " << simulator->violations().front();
+        EXPECT_TRUE(simulator->unusedFaults().empty()) << name;
+        subPortClose();
+    }
+}
+
+TEST_F(TransferTest, ARefusedStartIsTriedThreeTimesThenClosed) {
+    const std::string c50 = "300550010000", c51 = "300551010C00", c54 = "300554010000", c53 = "300553010000";
+    const QString failed51 = "Application error. / RES : The unit did not carry out command 51 in three attempts; its "
+                             "last answer: ";
+    const QString box1234 = "Communication error. / Application is shut down by [cancel]. / ";
+    gWaits.operationReply = 200ms;
+    struct {
+        std::vector<std::string> faults;
+        std::vector<std::string> requests;
+        QStringList said;
+        int retryAfter;
+    } const cases[] = {
+        {{"response:2203@300550*2"}, {c50, c50, c50, c51, c54, c53}, {"Succeed"}, 0},
+        {{"response:1234@300550*3"}, {c50, c50, c50, c54, c53}, {box1234, "Failed"}, 4},
+        {{"response:2203@300551*2"}, {c50, c51, c51, c51, c54, c53}, {"Succeed"}, 3},
+        {{"response:2203@300551*3"}, {c50, c51, c51, c51, c54, c53}, {failed51 + "2203", "Failed"}, 4},
+        {{"silence@300551*3"}, {c50, c51, c51, c51, c54, c53}, {failed51 + "9999", "Failed"}, 4},
+        {{"bcc@300551*3"}, {c50, c51, c51, c51, c54, c53}, {failed51 + "unusable", "Failed"}, 4},
+    };
+    for (const auto& c : cases) {
+        const std::string name = c.faults.front();
+        unitsWith(c.faults);
+        screen = FakeScreen{};
+        const std::size_t saidBefore = user.boxes().size();
+        EXPECT_EQ(write(), kIdleAfterWrite) << name;
+        EXPECT_EQ(requests(), c.requests) << name;
+        EXPECT_EQ(user.texts().mid(static_cast<qsizetype>(saidBefore)), c.said) << name;
+        EXPECT_EQ(gintCommRetry, c.retryAfter) << name;
+        EXPECT_EQ(screen.calls.contains("version"), c.said.back() == "Succeed") << name;
+        subPortClose();
+    }
+}
+
+TEST_F(TransferTest, APulledCableIsSaidAtOnceAndTheWindowComesBack) {
+    gWaits.exchangeMark = 100ms;
+    const QString timeOut = "It is a receiving timeout error.";
+    struct {
+        const char* fault;
+        qsizetype boxes;
+        const char* last;
+    } const cases[] = {
+        {"unplug@300551", 7, "Failed"},     // three attempts of "51", the report, "54", "53", the result
+        {"unplug@packet500", 4, "Failed"},  // the report, "54", "53", the result
+        {"unplug@300554", 3, "Succeed"},    // the image was acknowledged
+    };
+    for (const auto& c : cases) {
+        unitsWith({c.fault});
+        screen = FakeScreen{};
+        const std::size_t saidBefore = user.boxes().size();
+        QElapsedTimer clock;
+        clock.start();
+        EXPECT_EQ(write(), kIdleAfterWrite) << c.fault;
+        EXPECT_LT(clock.elapsed(), 3000) << c.fault;
+        const QStringList said = user.texts().mid(static_cast<qsizetype>(saidBefore));
+        EXPECT_EQ(said.size(), c.boxes) << c.fault << ": " << said.join("; ").toStdString();
+        EXPECT_EQ(said.back(), c.last) << c.fault;
+        EXPECT_TRUE(said.contains(timeOut)) << c.fault;
+        EXPECT_EQ(screen.calls.count("enable"), 1) << c.fault;
+        subPortClose();
+        gblnCommBusy = false;
+    }
+}
+
+TEST_F(TransferTest, AStepThatFindsAnotherRunningDoesNothing) {
+    unitsWith({"delay:100@packet3"});
+    int nested = -1;
+    QTimer::singleShot(50ms, [&] { nested = steps.fncWriteStep(kImageSent); });
+    EXPECT_EQ(steps.fncWriteStep(kWriteToStart), kImageSent);
+    EXPECT_EQ(nested, 0);
+    EXPECT_EQ(requests().back(), "300551010C00") << "the nested step has sent nothing";
+    EXPECT_FALSE(gTransferBusy);
+    EXPECT_EQ(steps.fncWriteStep(9), 9) << "other states are returned unchanged";
+}
+
+TEST_F(TransferTest, TheCommunicationCheckGivesTheResponseAsANumber) {
+    const std::pair<const char*, int> cases[] = {
+        {"", 0},           {"response:2203@0101D4", 2203}, {"endcode:11@0101D4", 9011}, {"endcode:1A@0101D4", 8},
+        {"bcc@0101D4", 8}, {"silence@0101D4", 9999}};
+    gWaits.reply = 150ms;
+    for (const auto& [fault, result] : cases) {
+        unitsWith(*fault != '\0' ? std::vector<std::string>{fault} : std::vector<std::string>{});
+        EXPECT_EQ(fncCheckSensorComm(), result) << fault;
+        subPortClose();
+    }
+}
+
+TEST(ResponseCodes, OnlyAnExactCodeIsKnown) {
+    EXPECT_EQ(fncResultNo("0000"), kResultSuccess);
+    EXPECT_EQ(fncResultNo("5555"), 27);
+    for (const char* unknown : {"0000 ", "000", "", "9011", "abcd"})
+        EXPECT_EQ(fncResultNo(unknown), 8) << unknown;
+}
