@@ -1,0 +1,62 @@
+# Sourced by what works the program's windows without a display: a virtual desktop, and an operator's hands.
+
+# Starts a virtual display with a window manager; everything started later shows there.
+start_desktop() {
+    exec {display_pipe}<> <(:)
+    Xvfb -displayfd "$display_pipe" -screen 0 1280x800x24 -nolisten tcp >/dev/null 2>&1 &
+    desktop_processes=($!)
+    read -r -t 20 display <&"$display_pipe" || { echo "Xvfb does not start" >&2; return 1; }
+    exec {display_pipe}<&-
+    export DISPLAY=":$display"
+    unset WAYLAND_DISPLAY QT_QPA_PLATFORM
+    openbox >/dev/null 2>&1 &
+    desktop_processes+=($!)
+}
+
+stop_desktop() { kill "${desktop_processes[@]}" 2>/dev/null || true; }
+
+# soon SECONDS COMMAND...: whether the command succeeds within the time.
+soon() {
+    local end=$((SECONDS + $1))
+    shift
+    until "$@" >/dev/null 2>&1; do
+        [ "$SECONDS" -ge "$end" ] && return 1
+        sleep 0.1
+    done
+}
+
+# window TITLE: number of the visible window with this title (a regular expression).
+window() { xdotool search --onlyvisible --name "$1" 2>/dev/null | tail -n 1 | grep .; }
+
+# await_window TITLE [SECONDS]: waits until such a window stands and has settled.
+await_window() {
+    soon "${2:-20}" window "$1" || { echo "no window \"$1\"" >&2; return 1; }
+    sleep 0.3
+}
+
+# press TITLE X Y: clicks into the window, in pixels from its upper left corner.
+press() {
+    local id
+    id=$(window "$1") || return 1
+    xdotool mousemove --window "$id" "$2" "$3" click 1
+    sleep 0.2
+}
+
+# picture FILE: the whole screen, cut to what stands on it.
+picture() { import -window root -trim +repage "$1"; }
+
+# The middle of each control of the main window.
+main_window='^Dravolt ver'
+press_load() { press "$main_window" 188 146; }
+press_upgrade() { press "$main_window" 84 186; }
+press_end() { press "$main_window" 188 186; }
+press_target() { press "$main_window" 31 $((40 + 16 * $1)); }
+
+# load_image FILE: "Loading file", then the file in the dialog.
+load_image() {
+    press_load
+    sleep 0.7
+    xdotool type --delay 5 "$1"
+    xdotool key Return
+    sleep 0.7
+}
