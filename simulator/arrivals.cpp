@@ -10,9 +10,7 @@ constexpr Time kMostForgiven = std::chrono::milliseconds(100);
 
 }  // namespace
 
-void Arrivals::forgive(Time lateness) {
-    forgiven_ = std::min(lateness, kMostForgiven);
-}
+void Arrivals::forgive(Time lateness) { forgiven_ = std::min(lateness, kMostForgiven); }
 
 void Arrivals::add(std::span<const std::uint8_t> bytes, Time now) {
     Time at = byteTime_ == Time{0} ? now : std::max(lineFree_, now - forgiven_);

@@ -10,9 +10,7 @@ constexpr std::string_view kDigits = "0123456789ABCDEF";
 
 }  // namespace
 
-Bytes bytesOf(std::string_view text) {
-    return Bytes(text.begin(), text.end());
-}
+Bytes bytesOf(std::string_view text) { return Bytes(text.begin(), text.end()); }
 
 std::string hexDump(std::span<const std::uint8_t> bytes) {
     std::string text;

@@ -66,18 +66,14 @@ std::string Devices::attributes() const {
     return model_ + "V" + interfaceVersion_.value_or(versionText(imageVersion(device(Unit::interface).firmware)));
 }
 
-std::string Devices::status() const {
-    return status_;
-}
+std::string Devices::status() const { return status_; }
 
 std::uint16_t Devices::typeNumber() const {
     const std::lock_guard lock(mutex_);
     return typeNumber_.value_or(imageVersion(device(Unit::amplifier).firmware));
 }
 
-CheckMode Devices::checkMode(Unit unit) const {
-    return device(unit).checkMode;
-}
+CheckMode Devices::checkMode(Unit unit) const { return device(unit).checkMode; }
 
 Bytes Devices::firmware(Unit unit) const {
     const std::lock_guard lock(mutex_);

@@ -27,9 +27,7 @@ constexpr std::size_t kPacedReadLimit = 256;
 /// Waking up takes longer only if the machine is busy, and then one time says nothing about the next.
 constexpr Time kUsualLateness = std::chrono::microseconds(250);
 
-Time byteTime(unsigned rate) {
-    return rate == 0 ? Time{0} : Time(std::chrono::seconds(10)) / rate;
-}
+Time byteTime(unsigned rate) { return rate == 0 ? Time{0} : Time(std::chrono::seconds(10)) / rate; }
 
 /// Writes to a program that has ended are to fail, not to end this one.
 void blockBrokenPipeSignal() {
@@ -61,9 +59,7 @@ Engine::Engine(const Options& options, Devices& devices, FaultBook& faults, Jour
         throw std::system_error(errno, std::generic_category(), "eventfd");
 }
 
-Engine::~Engine() {
-    close(wake_);
-}
+Engine::~Engine() { close(wake_); }
 
 void Engine::run() {
     blockBrokenPipeSignal();

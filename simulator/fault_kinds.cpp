@@ -46,8 +46,6 @@ constexpr FaultKindInfo kKinds[] = {
 
 }  // namespace
 
-std::span<const FaultKindInfo> faultKinds() {
-    return kKinds;
-}
+std::span<const FaultKindInfo> faultKinds() { return kKinds; }
 
 }  // namespace units

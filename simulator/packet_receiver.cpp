@@ -32,9 +32,7 @@ PacketReceiver::PacketReceiver(CheckMode mode, bool unsure, FaultBook& faults, J
     image_.reserve(kImageSize);
 }
 
-Script PacketReceiver::begin(Time now) {
-    return askForStart(now);
-}
+Script PacketReceiver::begin(Time now) { return askForStart(now); }
 
 Script PacketReceiver::take(std::uint8_t byte, Time now) {
     switch (state_) {

@@ -16,9 +16,7 @@ namespace units {
 
 namespace {
 
-[[noreturn]] void fail(const std::string& what) {
-    throw std::system_error(errno, std::generic_category(), what);
-}
+[[noreturn]] void fail(const std::string& what) { throw std::system_error(errno, std::generic_category(), what); }
 
 void makeRaw(int descriptor) {
     termios settings{};
@@ -82,9 +80,7 @@ Pty::Pty(const Options& options) : Pty() {
         makeLink(options.link);
 }
 
-Pty::~Pty() {
-    closeAll();
-}
+Pty::~Pty() { closeAll(); }
 
 Bytes Pty::read(std::size_t limit) {
     Bytes bytes(limit);

@@ -13,9 +13,7 @@ namespace {
 /// Node, sub-address and service identifier of every request.
 constexpr std::string_view kHeader = "00000";
 
-bool isCommandCharacter(std::uint8_t byte) {
-    return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z');
-}
+bool isCommandCharacter(std::uint8_t byte) { return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z'); }
 
 }  // namespace
 

@@ -11,9 +11,7 @@ Simulator::Simulator(const Options& options)
       engine_(options, devices_, faults_, journal_),
       thread_([this] { engine_.run(); }) {}
 
-Simulator::~Simulator() {
-    stop();
-}
+Simulator::~Simulator() { stop(); }
 
 void Simulator::stop() {
     engine_.stop();

@@ -1,24 +1,3 @@
-#include "app/startup_form.h"
-#include "link/com_port.h"
-#include "system/program_end.h"
-#include "system/program_folder.h"
-#include "upgrade/main_window.h"
+#include "run_program.h"
 
-#include <QApplication>
-
-#include <cstdlib>
-
-int main(int argc, char* argv[]) {
-    QApplication application(argc, argv);
-    // Forms come and go; only endProgram() ends the program.
-    QApplication::setQuitOnLastWindowClosed(false);
-    setProgramFolder(QCoreApplication::applicationDirPath());
-    setProgramEnd([] {
-        subPortClose();
-        std::_Exit(EXIT_SUCCESS);
-    });
-    frmMain mainWindow;
-    frmStartUp startUp(mainWindow);
-    startUp.load();
-    return QApplication::exec();
-}
+int main(int argc, char* argv[]) { return runProgram(argc, argv, Edition::standard); }

@@ -93,9 +93,7 @@ void identifyInterfaceUnit() {
 
 }  // namespace
 
-QString attributeModel(const QString& attributes) {
-    return trimBlanks(attributes.left(16));
-}
+QString attributeModel(const QString& attributes) { return trimBlanks(attributes.left(16)); }
 
 QString attributeVersion(const QString& attributes) {
     constexpr qsizetype kSearchFrom = 15;

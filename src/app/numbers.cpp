@@ -15,9 +15,7 @@ static QRegularExpressionMatch matchNumber(const QString& text) {
     return number.match(text);
 }
 
-static QString withoutBlanks(const QString& text) {
-    return QString(text).remove(QLatin1Char(' '));
-}
+static QString withoutBlanks(const QString& text) { return QString(text).remove(QLatin1Char(' ')); }
 
 double leadingNumber(const QString& text) {
     const QRegularExpressionMatch match = matchNumber(withoutBlanks(text));
@@ -47,13 +45,9 @@ static Integer rounded(double value) {
     return static_cast<Integer>(nearest);
 }
 
-std::int16_t toInt16(double value) {
-    return rounded<std::int16_t>(value);
-}
+std::int16_t toInt16(double value) { return rounded<std::int16_t>(value); }
 
-std::int32_t toInt32(double value) {
-    return rounded<std::int32_t>(value);
-}
+std::int32_t toInt32(double value) { return rounded<std::int32_t>(value); }
 
 QString versionText(int thousandths) {
     return QStringLiteral("%1.%2").arg(thousandths / 1000).arg(thousandths % 1000, 3, 10, QLatin1Char('0'));

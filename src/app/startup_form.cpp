@@ -71,9 +71,7 @@ frmStartUp::frmStartUp(MainWindowAtStart& mainWindow)
     connect(cmdEnd, &QPushButton::clicked, this, [] { endProgram(); });
 }
 
-void frmStartUp::closeEvent(QCloseEvent*) {
-    endProgram();
-}
+void frmStartUp::closeEvent(QCloseEvent*) { endProgram(); }
 
 void frmStartUp::load() {
     if (!runTrapped([this] { startUp(); }))

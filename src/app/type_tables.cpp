@@ -7,9 +7,7 @@
 #include "text/runtime_failure.h"
 #include "text/string_table.h"
 
-QString typeTableFile() {
-    return programFile(QStringLiteral("TYPE.INI"));
-}
+QString typeTableFile() { return programFile(QStringLiteral("TYPE.INI")); }
 
 /// Takes the range whose base number is item `baseIndex` of the split entry; its name follows.
 /// @return whether `number` lies in it

@@ -99,9 +99,7 @@ void ReplyParser::takeCheckByte(char byte) {
     responseCode_ = QString::fromLatin1(data_.mid(2, 2).toHex().toUpper());
 }
 
-bool ReplyParser::carriesResponse() const {
-    return endCode_ == QLatin1String("00") || endCode_ == QLatin1String("0F");
-}
+bool ReplyParser::carriesResponse() const { return endCode_ == QLatin1String("00") || endCode_ == QLatin1String("0F"); }
 
 QString ReplyParser::result() const {
     if (carriesResponse())
@@ -109,9 +107,7 @@ QString ReplyParser::result() const {
     return endCode_.isEmpty() ? QStringLiteral("9999") : QStringLiteral("90") + endCode_;
 }
 
-static QLatin1String flag(bool value) {
-    return QLatin1String(value ? "True" : "False");
-}
+static QLatin1String flag(bool value) { return QLatin1String(value ? "True" : "False"); }
 
 QString ReplyParser::logRecord() const {
     QString record = QStringLiteral("[NG2] S:%1 E:%2 B:%3 P:%4 U:%5 A:")

@@ -21,13 +21,9 @@ static void subWaitCommFree(std::chrono::milliseconds limit) {
     gblnCommBusy = false;
 }
 
-static void subClearInput() {
-    boundPort().discardInput();
-}
+static void subClearInput() { boundPort().discardInput(); }
 
-static void subSendFrame(const QString& command) {
-    boundPort().output(buildRequestFrame(command));
-}
+static void subSendFrame(const QString& command) { boundPort().output(buildRequestFrame(command)); }
 
 /// Hands the bytes that are waiting to `parser`; @return whether they complete the reply.
 static bool takeWaitingBytes(ReplyParser& parser) {
@@ -56,9 +52,7 @@ static void subCommErrorBox(const QString& message) {
         endProgram();
 }
 
-static void subReportCommError() {
-    subCommErrorBox(text(IDS_MSGERR_COMM_NG));
-}
+static void subReportCommError() { subCommErrorBox(text(IDS_MSGERR_COMM_NG)); }
 
 QString fncSendCommand(const QString& command, bool raw, QByteArray& data, std::chrono::milliseconds timeout,
                        bool silent) {

@@ -58,9 +58,7 @@ QString remedy(int error) {
     }
 }
 
-bool isInUse(int error) {
-    return error == EBUSY || error == EWOULDBLOCK;
-}
+bool isInUse(int error) { return error == EBUSY || error == EWOULDBLOCK; }
 
 }  // namespace
 

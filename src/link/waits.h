@@ -15,6 +15,12 @@ struct Waits {
     std::chrono::milliseconds transferStart{60'000};
     /// For the answer to one packet.
     std::chrono::milliseconds packetAnswer{10'000};
+    /// Between two steps of a transfer.
+    std::chrono::milliseconds tick{100};
+    /// Longest silence of the unit during a read.
+    std::chrono::milliseconds readSilence{3'000};
+    /// Between the end of a verification's read and its result.
+    std::chrono::milliseconds verificationPause{2'000};
     /// For a port to take bytes that are written to it.
     std::chrono::milliseconds portWrite{5'000};
 };

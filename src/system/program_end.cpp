@@ -15,6 +15,4 @@ void endProgram() {
         std::_Exit(EXIT_SUCCESS);
 }
 
-void setProgramEnd(std::function<void()> end) {
-    programEnd() = std::move(end);
-}
+void setProgramEnd(std::function<void()> end) { programEnd() = std::move(end); }

@@ -7,14 +7,8 @@ static QString& folderInUse() {
     return folder;
 }
 
-QString programFile(const QString& name) {
-    return QDir(folderInUse()).filePath(name);
-}
+QString programFile(const QString& name) { return QDir(folderInUse()).filePath(name); }
 
-QString programFolder() {
-    return folderInUse();
-}
+QString programFolder() { return folderInUse(); }
 
-void setProgramFolder(const QString& folder) {
-    folderInUse() = QDir::cleanPath(folder);
-}
+void setProgramFolder(const QString& folder) { folderInUse() = QDir::cleanPath(folder); }

@@ -2,6 +2,4 @@
 
 #include <iostream>
 
-void complain(const QString& line) {
-    std::cerr << "dravolt: " << line.toLocal8Bit().constData() << '\n';
-}
+void complain(const QString& line) { std::cerr << "dravolt: " << line.toLocal8Bit().constData() << '\n'; }

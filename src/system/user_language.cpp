@@ -2,6 +2,4 @@
 
 #include <QLocale>
 
-int userDefaultLangId() {
-    return QLocale::system().language() == QLocale::Japanese ? kLangIdJapanese : kLangIdEnglish;
-}
+int userDefaultLangId() { return QLocale::system().language() == QLocale::Japanese ? kLangIdJapanese : kLangIdEnglish; }

@@ -11,9 +11,7 @@ void subReportError(const QString& description) {
         endProgram();
 }
 
-void subReportError() {
-    subReportError(currentFailure());
-}
+void subReportError() { subReportError(currentFailure()); }
 
 QString currentFailure() {
     try {

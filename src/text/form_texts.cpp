@@ -81,9 +81,7 @@ void applyControlTexts(const QWidget& form, const ControlText (&texts)[n]) {
     }
 }
 
-void subLoadMessageTexts() {
-    gNoPortText = text(IDS_MSGERR_COMM_NO_PORT);
-}
+void subLoadMessageTexts() { gNoPortText = text(IDS_MSGERR_COMM_NO_PORT); }
 
 /// What the progress dialog says: the image of the main window's third row, whatever the dialog is used for.
 QString progressMessage() {

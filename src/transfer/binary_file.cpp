@@ -6,14 +6,19 @@
 #include "text/string_table.h"
 
 #include <QFile>
+#include <QSaveFile>
+
+[[noreturn]] static void failed(const QFileDevice& file) {
+    throw RuntimeFailure(failure::kFileAccess, QStringLiteral("%1: %2").arg(file.fileName(), file.errorString()));
+}
 
 static void readInto(QByteArray& array, qsizetype count, const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        throw RuntimeFailure(failure::kFileAccess, QStringLiteral("%1: %2").arg(path, file.errorString()));
+        failed(file);
     const qint64 taken = file.read(array.data(), count);
     if (taken < 0)
-        throw RuntimeFailure(failure::kFileAccess, QStringLiteral("%1: %2").arg(path, file.errorString()));
+        failed(file);
     if (taken < count)
         throw RuntimeFailure(failure::kFileAccess, literalText(u"%1: the file ends after %2 of %3 bytes",
                                                                u"%1: ファイルが %2/%3 バイトで終わっています")
@@ -22,7 +27,19 @@ static void readInto(QByteArray& array, qsizetype count, const QString& path) {
                                                        .arg(count));
 }
 
-int fncBinaryFile(const QString& fileName, QByteArray& array) {
+static void writeFrom(const QByteArray& array, qsizetype count, const QString& path) {
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(array.constData(), count) != count || !file.commit())
+        failed(file);
+}
+
+int fncBinaryFile(const QString& fileName, QByteArray& array, BinaryFileMode mode) {
     const qsizetype count = array.size() - 1;
-    return runTrapped([&] { readInto(array, count, trimBlanks(fileName)); }) ? static_cast<int>(count) : 0;
+    const bool done = runTrapped([&] {
+        if (mode == kWriteFile)
+            writeFrom(array, count, trimBlanks(fileName));
+        else
+            readInto(array, count, trimBlanks(fileName));
+    });
+    return done ? static_cast<int>(count) : 0;
 }

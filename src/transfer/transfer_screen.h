@@ -16,6 +16,8 @@ public:
     /// Stops it.
     virtual void stopCommTimer() = 0;
 
+    /// Whether a verification follows a write, and a read is that of a verification.
+    virtual bool isVerifyTicked() const = 0;
     /// Enables the main window again.
     virtual void enableWindow() = 0;
     /// Gives the main window its default cursor.

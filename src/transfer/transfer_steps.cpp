@@ -4,14 +4,13 @@
 #include "link/device_commands.h"
 #include "link/frame_link.h"
 #include "text/error_report.h"
-#include "text/message_box.h"
-#include "text/runtime_failure.h"
 #include "text/string_table.h"
-#include "transfer/response_codes.h"
-#include "transfer/xmodem_sender.h"
+#include "transfer/block_receiver.h"
+#include "transfer/image_buffers.h"
+#include "transfer/raw_send.h"
+#include "transfer/xmodem_packet.h"
 
 #include <QCoreApplication>
-#include <QScopedValueRollback>
 
 int gTransferState = 0;
 bool gTransferBusy = false;
@@ -39,83 +38,50 @@ static QString refusal(const QString& code, const QString& response) {
         .arg(code, response.isEmpty() ? literalText(u"unusable", u"無効") : response);
 }
 
-int TransferSteps::fncWriteStep(int state) {
-    if (gTransferBusy)
-        return 0;
-    const QScopedValueRollback<bool> guard(gTransferBusy, true);
-    switch (state) {
-    case kWriteToStart:
-        return startWrite();
-    case kImageSent:
-        return closeWrite();
-    default:
-        return state;
-    }
-}
-
-int TransferSteps::startWrite() {
-    try {
-        if (fncResultNo(fncStartTransfer(QStringLiteral("51"))) != kResultSuccess)
-            return closeFailedWrite();
-        sendImage();
-        return kImageSent;
-    } catch (...) {
-        subReportError();
-        return closeFailedWrite();
-    }
-}
-
-void TransferSteps::sendImage() {
-    QString whatHappened;
-    const int result = fncXmodemSend([this](int bytes) { screen_.setProgress(bytes); }, whatHappened);
-    if (result != kXmodemSent)
-        throw RuntimeFailure(result, whatHappened);
-}
-
-int TransferSteps::closeFailedWrite() {
-    fncEndTransfer();
-    showMessageBox(literalText(u"Failed", u"異常終了"), kInformation);
-    screen_.setDefaultCursor();
-    return kIdleAfterWrite;
-}
-
-int TransferSteps::closeWrite() {
-    fncEndTransfer();
-    showMessageBox(literalText(u"Succeed", u"正常終了"), kInformation);
-    screen_.setDefaultCursor();
-    screen_.showWrittenVersion();
-    return kIdleAfterWrite;
-}
-
-/// Puts the unit into its download state with "51".
+/// Puts the unit into its download state with "51", or into its upload state with "52".
 /// @return the unit's response, or "" after three failed attempts of the command itself, which have been reported
 QString TransferSteps::fncStartTransfer(const QString& code) {
     awake_.emplace();
     boundPort().discardInput();
     boundPort().discardOutput();
-    const QString prepared = sendWithRetries(QStringLiteral("50"));
-    if (prepared != kNormalEnd)
-        return prepared;
-    gintCommRetry = 0;
-    const QString started = sendWithRetries(code);
+    gReadBuf.fill('\0');
+    gReadCount = 0;
+    if (code == QLatin1String("51")) {
+        QString prepared = sendWithRetries(QStringLiteral("50"));
+        if (prepared != kNormalEnd)
+            return prepared;
+        gintCommRetry = 0;
+    }
+    QString started = sendWithRetries(code);
     if (started != kNormalEnd) {
         subReportError(refusal(code, started));
         return {};
+    }
+    if (code == QLatin1String("52")) {
+        fncSendRaw(QByteArray(1, kNak));
+        subStartReceive();
     }
     screen_.showProgress();
     screen_.startCommTimer();
     return started;
 }
 
-/// Closes a transfer: whatever happened in it, the unit returns to normal operation and the main window to its
+QString TransferSteps::fncEndTransfer() { return endTransfer(screen_.isVerifyTicked()); }
+
+/// Closes a transfer, whatever happened in it: the unit returns to normal operation and the main window to its
 /// operator.
+///
+/// When a verification follows, it is the one that sends the last command and stops the timer.
 /// @return the unit's response to the last command
-QString TransferSteps::fncEndTransfer() {
-    screen_.stopCommTimer();
-    fncOperationCommand(QStringLiteral("54"), gUnitNo);
+QString TransferSteps::endTransfer(bool verificationFollows) {
+    if (!verificationFollows)
+        screen_.stopCommTimer();
+    QString response = fncOperationCommand(QStringLiteral("54"), gUnitNo);
     QCoreApplication::processEvents();
-    const QString response = fncOperationCommand(QStringLiteral("53"), gUnitNo);
-    QCoreApplication::processEvents();
+    if (!verificationFollows) {
+        response = fncOperationCommand(QStringLiteral("53"), gUnitNo);
+        QCoreApplication::processEvents();
+    }
     screen_.unloadProgress();
     screen_.enableWindow();
     awake_.reset();

@@ -10,17 +10,24 @@
 
 /// States of a transfer.
 ///
-///     write:  7 --> 12 --> 6        7 to 6 when the unit refuses the start, or the image send fails
+///     write:  7 --> 12 --> 6              7 to 6 when the unit refuses the start, or the image send fails
+///                     `--> 13 --> 14      when a verification follows; it is a read, and runs from 1 to 0 within 13
+///     read:   1 --> 2 --> 4 --> 5 --> 0   to 5 from anywhere: refused, time-out, failure, Cancel
 enum TransferState : int {
-    kIdleAfterWrite = 6,  ///< nothing is awaited
-    kWriteToStart = 7,    ///< "Start upgrade" calls the write step with it
-    kImageSent = 12,      ///< the next tick closes the write
+    kIdleAfterRead = 0,          ///< nothing is awaited
+    kReadToStart = 1,            ///< "Save the present firmware", or the verification, calls the read step with it
+    kReceivingBlocks = 2,        ///< a block, or the first EOT, is awaited
+    kAwaitingSecondEot = 4,      ///< the first EOT has been refused, its repeat is awaited
+    kReadEnded = 5,              ///< the next step closes the read
+    kIdleAfterWrite = 6,         ///< nothing is awaited
+    kWriteToStart = 7,           ///< "Start upgrade" calls the write step with it
+    kFirstWriteTick = 8,         ///< from here to kImageSent a tick calls the write step
+    kImageSent = 12,             ///< the next tick closes the write
+    kVerificationToRun = 13,     ///< the main window runs the verification within the same tick
+    kIdleAfterVerification = 14  ///< nothing is awaited
 };
 
-/// States from here to kImageSent are the write step's work at a tick.
-inline constexpr int kFirstWriteTick = 8;
-
-/// Current state of the transfer; the main window stores what a step returns.
+/// Current state of the transfer; the main window stores what a step returns, Cancel sets kReadEnded.
 extern int gTransferState;
 
 /// Set while a step runs: a tick, a click or a step that finds it set does nothing.
@@ -39,13 +46,30 @@ public:
     /// @return the next state; `state` itself where a write has nothing to do; 0 when a step is running already
     int fncWriteStep(int state);
 
+    /// Does the work of `state` in a read: a save of the firmware to gSaveFileName, or the read-back of a verification.
+    ///
+    /// @return the next state; `state` itself where a read has nothing to do; 0 when a step is running already
+    int fncReadStep(int state);
+
+    /// Cancels a read that receives: tells the unit, and lets the next step close the read. Does nothing in any other
+    /// state.
+    static void cancelRead();
+
 private:
     int startWrite();
     int closeWrite();
-    int closeFailedWrite();
+    int failedWrite();
     void sendImage();
+
+    int readStep(int state);
+    int startRead();
+    int receive();
+    int receiveSecondEot();
+    int closeRead();
+
     QString fncStartTransfer(const QString& code);
     QString fncEndTransfer();
+    QString endTransfer(bool verificationFollows);
 
     TransferScreen& screen_;
     std::optional<SleepInhibitor> awake_;  ///< from the start of a transfer to its end

@@ -2,11 +2,12 @@
 
 #include "link/com_port.h"
 #include "link/waits.h"
-#include "text/message_box.h"
 #include "text/runtime_failure.h"
 #include "text/string_table.h"
 #include "transfer/byte_wait.h"
 #include "transfer/image_buffers.h"
+#include "transfer/raw_send.h"
+#include "transfer/response_codes.h"
 #include "transfer/xmodem_packet.h"
 
 namespace {
@@ -18,14 +19,8 @@ constexpr int kCansToAbort = 2;
 /// Sends one packet in one write.
 /// @return 0, or the number of a port error, which is shown
 int fncSendPacket(const QByteArray& packet) {
-    try {
-        boundPort().discardInput();
-        boundPort().output(packet);
-        return 0;
-    } catch (const RuntimeFailure& f) {
-        showMessageBox(f.description(), kCritical, QStringLiteral("エラー"));
-        return f.number();
-    }
+    const int result = fncSendRaw(packet);
+    return result == kResultSuccess ? 0 : result;
 }
 
 /// One send of an image: its mode, and the words for what happened.

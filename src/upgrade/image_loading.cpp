@@ -4,10 +4,8 @@
 #include "app/ini_file.h"
 #include "app/numbers.h"
 #include "app/type_tables.h"
-#include "system/program_folder.h"
 #include "text/blanks.h"
 #include "text/error_report.h"
-#include "text/form_texts.h"
 #include "text/runtime_failure.h"
 #include "text/string_table.h"
 #include "transfer/binary_file.h"
@@ -35,10 +33,10 @@ static qint64 fileLength(const QString& path) {
 }
 
 void frmMain::cmdLoading_Click() {
-    if (gTransferBusy)
+    if (isBusy())
         return;
     runTrapped([this] {
-        const QString chosen = chooseImageFile();
+        const QString chosen = chooseFile(QFileDialog::AcceptOpen, gLoadFileName);
         if (chosen.isEmpty())
             return;
         gLoadFileName = chosen;
@@ -50,16 +48,6 @@ void frmMain::cmdLoading_Click() {
     setDefaultCursor();
 }
 
-/// Path of the file that the operator chooses; empty when the dialog is cancelled.
-QString frmMain::chooseImageFile() {
-    QFileDialog cmdSoft(this, QString(), programFolder());
-    cmdSoft.setFileMode(QFileDialog::ExistingFile);
-    cmdSoft.setNameFilter(gFilterText.section(QLatin1Char('|'), 0, 0));
-    if (!gLoadFileName.isEmpty())
-        cmdSoft.selectFile(gLoadFileName);
-    return cmdSoft.exec() == QDialog::Accepted ? cmdSoft.selectedFiles().constFirst() : QString();
-}
-
 void frmMain::loadChosenImage() {
     disableWindow();
     gFileVersion.clear();
@@ -68,7 +56,7 @@ void frmMain::loadChosenImage() {
     lblVersion[kImageRow]->clear();
     QCoreApplication::processEvents();
     gImageBuf.fill('\0', kImageSize + 1);
-    gFileLoaded = fncBinaryFile(gLoadFileName, gImageBuf) == kImageSize;
+    gFileLoaded = fncBinaryFile(gLoadFileName, gImageBuf, kReadFile) == kImageSize;
     if (gFileLoaded)
         takeImageInfo();
     subSetAllVersion();

@@ -21,6 +21,7 @@ namespace {
 
 constexpr int kClientWidth = 5'475;
 constexpr int kClientHeight = 3'300;
+constexpr int kServiceHeight = 3'720;
 constexpr qreal kHeadingPoints = 11.25;
 constexpr qreal kRowPoints = 9.75;
 
@@ -34,6 +35,12 @@ constexpr ControlPlace kPlaces[] = {
     {"cmdPresent", 0, 2'640, 75, 315},           {"cmdUpgrade", 600, 2'640, 1'335, 315},
     {"cmdEnd", 2'160, 2'640, 1'335, 315},        {"LabelWriteProtect", 3'480, 120, 1'935, 300},
     {"horizontalLine", 0, 2'520, 5'400, 30},     {"verticalLine", 3'720, 0, 30, 2'520},
+};
+
+/// Where the controls that service engineers see have room.
+constexpr ControlPlace kServicePlaces[] = {
+    {"lblService", 3'840, 120, 1'515, 300},
+    {"cmdPresent", 600, 3'120, 2'895, 315},
 };
 
 QLabel* addHeading(QWidget& form, const char* name) {
@@ -100,10 +107,20 @@ void frmMain::connectControls() {
     for (QPushButton* button : {cmdLoading, cmdPresent, cmdUpgrade, cmdEnd})
         button->setAutoDefault(true);
     connect(cmdLoading, &QPushButton::clicked, this, [this] { cmdLoading_Click(); });
+    connect(cmdPresent, &QPushButton::clicked, this, [this] { cmdPresent_Click(); });
     connect(cmdUpgrade, &QPushButton::clicked, this, [this] { cmdUpgrade_Click(); });
     connect(cmdEnd, &QPushButton::clicked, this, [this] { Form_QueryUnload(); });
     CommTimer.setTimerType(Qt::PreciseTimer);
     CommTimer.callOnTimeout([this] { CommTimer_Timer(); });
+}
+
+void frmMain::showServiceControls() {
+    lblService = addControl<FittedLabel>(*this, QStringLiteral("lblService"));
+    setFixedSize(width(), kServiceHeight / kTwipsPerPixel);
+    placeControls(*this, kServicePlaces);
+    chkVerify->show();
+    cmdPresent->show();
+    setTabOrder(cmdEnd, cmdPresent);
 }
 
 void frmMain::createHidden() {
@@ -125,6 +142,10 @@ void frmMain::subSetWindowTexts() {
     optPresent[0]->setAccessibleName(literalText(u"Target: sensor amplifier", u"対象: センサアンプ"));
     optPresent[1]->setAccessibleName(literalText(u"Target: interface unit", u"対象: インターフェースユニット"));
     subApplyLanguage(objectName());
+    if (lblService != nullptr) {
+        lblService->setText(literalText(u"for service", u"サービス用"));
+        setCatalogueFont(*lblService);
+    }
 }
 
 void frmMain::showWindow() {
@@ -136,17 +157,11 @@ void frmMain::showWindow() {
     cmdLoading->setFocus();
 }
 
-void frmMain::closeEvent(QCloseEvent*) {
-    Form_QueryUnload();
-}
+void frmMain::closeEvent(QCloseEvent*) { Form_QueryUnload(); }
 
-void frmMain::Form_QueryUnload() {
-    endProgram();
-}
+void frmMain::Form_QueryUnload() { endProgram(); }
 
-int frmMain::targetRow() const {
-    return optPresent[0]->isChecked() ? 0 : 1;
-}
+int frmMain::targetRow() const { return optPresent[0]->isChecked() ? 0 : 1; }
 
 void frmMain::disableWindow() {
     focusBefore_ = focusWidget();
@@ -162,9 +177,7 @@ void frmMain::enableWindow() {
         focusBefore_->setFocus();
 }
 
-void frmMain::setDefaultCursor() {
-    unsetCursor();
-}
+void frmMain::setDefaultCursor() { unsetCursor(); }
 
 frmWait& frmMain::progressDialog() {
     if (!frmWait_)
@@ -174,12 +187,12 @@ frmWait& frmMain::progressDialog() {
 
 void frmMain::showProgress() {
     progressDialog().start(kImageSize);
+    // A write cannot be cancelled, and has disabled the button.
+    progressDialog().cmdCancel->setVisible(lblService != nullptr && progressDialog().cmdCancel->isEnabled());
 }
 
-void frmMain::setProgress(int bytes) {
-    progressDialog().setBytes(bytes);
-}
+void frmMain::setProgress(int bytes) { progressDialog().setBytes(bytes); }
 
-void frmMain::unloadProgress() {
-    frmWait_.reset();
-}
+bool frmMain::isVerifyTicked() const { return chkVerify->isChecked(); }
+
+void frmMain::unloadProgress() { frmWait_.reset(); }

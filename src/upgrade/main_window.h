@@ -6,6 +6,7 @@
 #include "transfer/transfer_steps.h"
 #include "upgrade/progress_dialog.h"
 
+#include <QFileDialog>
 #include <QPointer>
 #include <QTimer>
 #include <QWidget>
@@ -22,9 +23,15 @@ class QRadioButton;
 ///
 /// Row 0 is the sensor amplifier, row 1 the interface unit, row 2 the loaded image. Closing the window in any way ends
 /// the program at once.
+///
+/// Verification and save are there, but their controls are hidden unless showServiceControls() is called.
 class frmMain : public QWidget, public MainWindowAtStart, public TransferScreen {
 public:
     frmMain();
+
+    /// Shows "Verification", "Save the present firmware" and, during a read, the progress dialog's Cancel, and marks
+    /// the window as the one for service engineers. Called before createHidden(), if at all.
+    void showServiceControls();
 
     // Start
     void createHidden() override;
@@ -37,6 +44,7 @@ public:
     void unloadProgress() override;
     void startCommTimer() override;
     void stopCommTimer() override;
+    bool isVerifyTicked() const override;
     void enableWindow() override;
     void setDefaultCursor() override;
     void showWrittenVersion() override;
@@ -59,7 +67,7 @@ private:
 
     // Image loading
     void cmdLoading_Click();
-    QString chooseImageFile();
+    QString chooseFile(QFileDialog::AcceptMode mode, const QString& preset);
     void loadChosenImage();
     void takeImageInfo();
 
@@ -68,7 +76,16 @@ private:
     void startUpgrade();
     bool confirmCommunication();
     void CommTimer_Timer();
+    void verify();
+    void readBack();
+    void showVerificationResult();
 
+    // Save run
+    void cmdPresent_Click();
+    void startSave();
+
+    /// Whether a step or a verification is running: clicks and ticks that come in it do nothing.
+    bool isBusy() const { return gTransferBusy || verifying_; }
     frmWait& progressDialog();
 
     std::array<QRadioButton*, 2> optPresent{};
@@ -81,7 +98,9 @@ private:
     QPushButton* cmdEnd;
     QLabel* LabelWriteProtect;
     QTimer CommTimer;
+    QLabel* lblService = nullptr;  ///< null but for service engineers
     TransferSteps steps_{*this};
+    bool verifying_ = false;
     std::unique_ptr<frmWait> frmWait_;  ///< null while the progress dialog is not loaded
     QPointer<QWidget> focusBefore_;     ///< control that had the focus when the window was disabled
 };

@@ -2,6 +2,7 @@
 
 #include "text/form_texts.h"
 #include "text/string_table.h"
+#include "transfer/transfer_steps.h"
 #include "upgrade/fitted_label.h"
 #include "upgrade/form_layout.h"
 
@@ -34,7 +35,15 @@ frmWait::frmWait(QWidget& owner)
     prbComm->setAlignment(Qt::AlignCenter);
     refresh_.setInterval(std::chrono::milliseconds(100));
     refresh_.callOnTimeout([this] { refresh(); });
+    connect(cmdCancel, &QPushButton::clicked, this, [this] { cmdCancel_Click(); });
     subApplyLanguage(objectName());
+}
+
+void frmWait::setMessage(const QString& message) { lblMsg->setText(message); }
+
+void frmWait::cmdCancel_Click() {
+    TransferSteps::cancelRead();
+    hide();
 }
 
 void frmWait::start(int bytes) {
@@ -74,6 +83,4 @@ QString frmWait::timeLeft() const {
         .arg(seconds % 60, 2, 10, QLatin1Char('0'));
 }
 
-void frmWait::closeEvent(QCloseEvent* event) {
-    event->ignore();
-}
+void frmWait::closeEvent(QCloseEvent* event) { event->ignore(); }

@@ -20,9 +20,13 @@ public:
     /// Sets the bar to 0 of `bytes` and shows the dialog.
     void start(int bytes);
 
+    /// Replaces the message that names the image.
+    void setMessage(const QString& message);
+
     /// Moves the bar to `bytes`. Its painting does not hold the transfer up.
     void setBytes(int bytes);
 
+    /// Ends a read early; hidden at load.
     QPushButton* cmdCancel;
 
 protected:
@@ -30,6 +34,7 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    void cmdCancel_Click();
     void refresh();
     QString timeLeft() const;
 

@@ -1,4 +1,5 @@
-/// Upgrade run of the main window: from "Start upgrade" to the end of the transfer.
+/// Upgrade run of the main window: "Start upgrade", and the ticks that drive every transfer.
+#include "link/waits.h"
 #include "text/error_report.h"
 #include "text/message_box.h"
 #include "text/string_table.h"
@@ -9,7 +10,7 @@
 #include <QPushButton>
 
 void frmMain::cmdUpgrade_Click() {
-    if (gTransferBusy)
+    if (isBusy())
         return;
     if (!runTrapped([this] { startUpgrade(); })) {
         enableWindow();
@@ -41,19 +42,19 @@ bool frmMain::confirmCommunication() {
     return fncCheckSensorComm() == 0 || fncMsgBox(IDS_MSGERR_NOTCHECK_CONFIRM, kOkCancel) == kOk;
 }
 
-void frmMain::startCommTimer() {
-    CommTimer.start(std::chrono::milliseconds(100));
-}
+void frmMain::startCommTimer() { CommTimer.start(gWaits.tick); }
 
-void frmMain::stopCommTimer() {
-    CommTimer.stop();
-}
+void frmMain::stopCommTimer() { CommTimer.stop(); }
 
 void frmMain::CommTimer_Timer() {
-    if (gTransferBusy)
+    if (isBusy())
         return;
     runTrapped([this] {
+        if (gTransferState >= kReceivingBlocks && gTransferState <= kReadEnded)
+            gTransferState = steps_.fncReadStep(gTransferState);
         if (gTransferState >= kFirstWriteTick && gTransferState <= kImageSent)
             gTransferState = steps_.fncWriteStep(gTransferState);
+        if (gTransferState == kVerificationToRun && isVerifyTicked())
+            verify();
     });
 }

@@ -66,9 +66,7 @@ const ReplyCase kReplies[] = {
     {"nothing", "", false, "9999", nullptr, nullptr},
 };
 
-std::ostream& operator<<(std::ostream& out, const ReplyCase& c) {
-    return out << c.name;
-}
+std::ostream& operator<<(std::ostream& out, const ReplyCase& c) { return out << c.name; }
 
 }  // namespace
 

@@ -25,9 +25,7 @@ Client::Client(const std::string& port) : descriptor_(open(port.c_str(), O_RDWR 
     tcsetattr(descriptor_, TCSANOW, &settings);
 }
 
-Client::~Client() {
-    close(descriptor_);
-}
+Client::~Client() { close(descriptor_); }
 
 void Client::write(std::span<const std::uint8_t> bytes) {
     while (!bytes.empty()) {

@@ -7,9 +7,7 @@
 namespace units {
 namespace {
 
-CommandLine parse(const std::vector<std::string>& arguments) {
-    return parseCommandLine(arguments);
-}
+CommandLine parse(const std::vector<std::string>& arguments) { return parseCommandLine(arguments); }
 
 TEST(CommandLine, ReadsOptions) {
     const CommandLine line =

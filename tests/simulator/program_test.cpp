@@ -41,9 +41,7 @@ std::string starting(const std::string& arguments) {
            "for i in $(seq 200); do [ -e port ] && break; sleep 0.02; done; ";
 }
 
-bool haveLrzsz() {
-    return std::system("command -v sx >/dev/null && command -v rx >/dev/null") == 0;
-}
+bool haveLrzsz() { return std::system("command -v sx >/dev/null && command -v rx >/dev/null") == 0; }
 
 TEST_F(Program, MakesImages) {
     ASSERT_EQ(run("$UNITS --make-image image --type-key SV-AMP --version 12504 --seed 7"), 0);

@@ -5,13 +5,9 @@
 #include <QMessageBox>
 #include <QTimer>
 
-BoxOperator::BoxOperator() {
-    qApp->installEventFilter(this);
-}
+BoxOperator::BoxOperator() { qApp->installEventFilter(this); }
 
-BoxOperator::~BoxOperator() {
-    qApp->removeEventFilter(this);
-}
+BoxOperator::~BoxOperator() { qApp->removeEventFilter(this); }
 
 QStringList BoxOperator::texts() const {
     QStringList texts;

@@ -17,9 +17,7 @@ Pty::Pty() {
     device_ = QString::fromLocal8Bit(name);
 }
 
-Pty::~Pty() {
-    unplug();
-}
+Pty::~Pty() { unplug(); }
 
 void Pty::unplug() {
     if (master_ >= 0)

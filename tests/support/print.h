@@ -6,12 +6,11 @@
 
 #include <ostream>
 
-inline void PrintTo(const QString& text, std::ostream* out) {
-    *out << '"' << text.toStdString() << '"';
-}
+inline void PrintTo(const QString& text, std::ostream* out) { *out << '"' << text.toStdString() << '"'; }
 
 inline void PrintTo(const QByteArray& bytes, std::ostream* out) {
-    *out << bytes.toHex(' ').toStdString();
+    constexpr qsizetype kMost = 64;
+    *out << bytes.left(kMost).toHex(' ').toStdString() << (bytes.size() > kMost ? " ..." : "");
 }
 
 inline void PrintTo(const QStringList& texts, std::ostream* out) {

@@ -13,9 +13,7 @@ ProgramTest::ProgramTest() {
     gLangOffset = 0;
 }
 
-ProgramTest::~ProgramTest() {
-    setProgramEnd({});
-}
+ProgramTest::~ProgramTest() { setProgramEnd({}); }
 
 void ProgramTest::writeFile(const QString& name, const QByteArray& content) const {
     QFile target(file(name));

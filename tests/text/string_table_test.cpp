@@ -32,6 +32,4 @@ TEST_F(StringTable, LiteralTextsFollowTheSelectorAndAnyValueButZeroIsEnglish) {
     }
 }
 
-TEST_F(StringTable, AnUnknownNumberIsAFailure) {
-    EXPECT_THROW(text(999), RuntimeFailure);
-}
+TEST_F(StringTable, AnUnknownNumberIsAFailure) { EXPECT_THROW(text(999), RuntimeFailure); }

@@ -1,0 +1,3 @@
+#include "run_program.h"
+
+int main(int argc, char* argv[]) { return runProgram(argc, argv, Edition::service); }

@@ -1,0 +1,123 @@
+/// The real main window with simulated units on the wire, worked by clicks.
+#pragma once
+
+#include "app/identification.h"
+#include "link/com_port.h"
+#include "link/device_commands.h"
+#include "link/frame_link.h"
+#include "link/waits.h"
+#include "simulator/simulator.h"
+#include "support/boxes.h"
+#include "support/program.h"
+#include "system/event_wait.h"
+#include "system/program_end.h"
+#include "text/string_table.h"
+#include "transfer/image_buffers.h"
+#include "upgrade/image_loading.h"
+#include "upgrade/main_window.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRadioButton>
+
+using namespace std::chrono_literals;
+
+class MainWindowTest : public ProgramTest {
+protected:
+    MainWindowTest() {
+        QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+        writeFile("TYPE.INI", "[AMP_TYPE]\n0A=12000,AMP-A,x,22000,AMP-B\n"
+                              "[AMP_BIN_TYPE]\nAMPKEY=0A\nBOTH=0A\nNULL=0A\n"
+                              "[IFU_BIN_TYPE]\nIFUKEY=D\nBOTH=D\n"
+                              "[IFU_DEFINE]\nD=IFU-D\n");
+        gLanguage = 1;
+        gAmpTypeName = "AMP-A";
+        gAmpVersion = "0.500";
+        gIfuTypeName = "IFU-D";
+        gIfuVersion = "1.004";
+        gFileTypeName.clear();
+        gFileVersion.clear();
+        gLoadFileName.clear();
+        gWaits.packetAnswer = 100ms;
+        gWaits.tick = 1ms;
+        gWaits.verificationPause = 20ms;
+        window.createHidden();
+        window.showWindow();
+    }
+
+    ~MainWindowTest() override {
+        subPortClose();
+        gblnCommBusy = false;
+        gintCommRetry = 0;
+        gWaits = Waits{};
+    }
+
+    void unitsWith(std::vector<std::string> faults, units::Options options = {}) {
+        options.faults = std::move(faults);
+        options.timing.startInterval = 50ms;
+        simulator = std::make_unique<units::Simulator>(options);
+        linkPort(1, QString::fromStdString(simulator->port()));
+        ASSERT_TRUE(fncPortOpen(1, QStringLiteral("38400,n,8,1")));
+    }
+
+    void writeImage(const QString& name, const char* key, std::uint16_t version) {
+        const units::Bytes image = units::makeImage(key, version, version);
+        writeFile(name, QByteArray(reinterpret_cast<const char*>(image.data()), static_cast<qsizetype>(image.size())));
+    }
+
+    /// Presses "Loading file" and chooses `name` in the dialog.
+    void load(const QString& name) {
+        chooseInDialog(name);
+        button("cmdLoading").click();
+    }
+
+    /// Chooses `name` in the file dialog that the next click opens.
+    void chooseInDialog(const QString& name) {
+        QTimer::singleShot(0, &window, [this, name] {
+            auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+            ASSERT_NE(dialog, nullptr);
+            dialog->selectFile(file(name));
+            QMetaObject::invokeMethod(dialog, "accept");
+        });
+    }
+
+    /// Presses "Save the present firmware", chooses `name` and lets the run come to its end.
+    void save(const QString& name) {
+        chooseInDialog(name);
+        button("cmdPresent").click();
+        waitServingEvents(30s, [] { return gTransferState == kIdleAfterRead; });
+    }
+
+    /// Presses "Start upgrade" and lets the run come to its end.
+    void upgrade() {
+        button("cmdUpgrade").click();
+        waitServingEvents(30s,
+                          [] { return gTransferState == kIdleAfterWrite || gTransferState == kIdleAfterVerification; });
+    }
+
+    QPushButton& button(const char* name) { return *window.findChild<QPushButton*>(name); }
+    QString row(int index) { return label("lblTitle(%1)", index).text() + ' ' + label("lblVersion(%1)", index).text(); }
+    QLabel& label(const char* name, int index) {
+        return *window.findChild<QLabel*>(QString::fromLatin1(name).arg(index));
+    }
+
+    /// The progress dialog, while it is loaded.
+    static QWidget* progressDialog() {
+        const QWidgetList windows = QApplication::topLevelWidgets();
+        const auto found =
+            std::find_if(windows.begin(), windows.end(), [](const QWidget* w) { return w->objectName() == "frmWait"; });
+        return found == windows.end() ? nullptr : *found;
+    }
+
+    bool unitHolds(const QString& name, units::Unit unit) const {
+        const units::Bytes firmware = simulator->firmware(unit);
+        return readFile(name) == QByteArray(reinterpret_cast<const char*>(firmware.data()), kImageSize);
+    }
+
+    std::unique_ptr<units::Simulator> simulator;
+    frmMain window;
+    BoxOperator user;
+};

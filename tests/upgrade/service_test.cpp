@@ -1,0 +1,97 @@
+#include "upgrade/main_window_fixture.h"
+
+#include <QCheckBox>
+
+/// The window for service engineers.
+class ServiceTest : public MainWindowTest {
+protected:
+    ServiceTest() { window.showServiceControls(); }
+
+    static QPushButton* cancelButton() {
+        return progressDialog() != nullptr ? progressDialog()->findChild<QPushButton*>("cmdCancel") : nullptr;
+    }
+};
+
+TEST_F(ServiceTest, ASavedFirmwareLoadsAgainAndIsWrittenBackWithVerification) {
+    writeImage("amp.bin", "AMPKEY", 13500);
+    units::Options options;
+    options.amplifierFirmware = units::makeImage("AMPKEY", 12500, 3);
+    unitsWith({}, options);
+    save("saved.bin");
+    EXPECT_TRUE(unitHolds("saved.bin", units::Unit::amplifier));
+    load("saved.bin");
+    EXPECT_EQ(row(2), "AMP-A 0.500");
+    upgrade();
+    save("saved again.bin");
+    EXPECT_EQ(readFile("saved again.bin"), readFile("saved.bin"));
+    load("amp.bin");
+    window.findChild<QCheckBox*>("chkVerify")->click();
+    upgrade();
+    EXPECT_EQ(gTransferState, kIdleAfterVerification);
+    EXPECT_TRUE(unitHolds("amp.bin", units::Unit::amplifier));
+    EXPECT_EQ(user.texts(), QStringList({"Succeed", "Succeed", "Succeed", "Succeed"}));
+    EXPECT_TRUE(simulator->violations().empty());
+    const std::vector<std::string> all = simulator->requests();
+    const std::vector<std::string> verified(all.end() - 8, all.end());
+    const std::vector<std::string> expected{"0101D40001000001", "300550010000", "300551010C00", "300554010000",
+                                            "300552010C00",     "300554010000", "300554010000", "300553010000"};
+    EXPECT_EQ(verified, expected);
+    EXPECT_EQ(gobjComm, nullptr) << "a verification closes the port";
+    EXPECT_TRUE(window.isEnabled());
+
+    gWaits.exchangeMark = 50ms;
+    upgrade();
+    EXPECT_EQ(user.texts()[4], "It is a receiving timeout error.");
+    EXPECT_TRUE(user.texts()[5].startsWith("I could not check"));
+    EXPECT_TRUE(window.isEnabled()) << "the next upgrade fails on the closed port, and says so";
+}
+
+TEST_F(ServiceTest, AReadBackThatDiffersFails) {
+    writeImage("amp.bin", "AMPKEY", 13500);
+    window.findChild<QCheckBox*>("chkVerify")->click();
+    for (const char* fault : {"garble@block1", "garble@block960", "garble@block1920", "response:2203@300552*3"}) {
+        unitsWith({fault});
+        load("amp.bin");
+        upgrade();
+        EXPECT_EQ(user.texts().back(), "Failed") << fault;
+        EXPECT_EQ(user.boxes().back().title, "Dravolt") << fault;
+        EXPECT_EQ(simulator->requests().back(), "300553010000") << fault;
+        EXPECT_EQ(row(0), "AMP-A 0.500") << fault;
+        EXPECT_EQ(gobjComm, nullptr) << fault;
+        EXPECT_TRUE(window.isEnabled()) << fault;
+    }
+}
+
+TEST_F(ServiceTest, OnlyAReadCanBeCancelled) {
+    writeImage("amp.bin", "AMPKEY", 13500);
+    writeFile("saved.bin", "old");
+    unitsWith({"delay:50@packet900"});
+    QTimer probe;
+    bool writing = false;
+    bool reading = false;
+    probe.callOnTimeout([&] {
+        if (cancelButton() == nullptr)
+            return;
+        if (simulator->waitFor("packet 899", 0ms) && gTransferState == kIdleAfterRead) {
+            writing = true;
+            EXPECT_FALSE(cancelButton()->isVisible());
+        } else if (gTransferState == kReceivingBlocks && simulator->waitFor("block 200 ", 0ms)) {
+            reading = true;
+            EXPECT_TRUE(cancelButton()->isVisible());
+            cancelButton()->click();
+            EXPECT_FALSE(progressDialog()->isVisible());
+        }
+    });
+    probe.start(1ms);
+    gTransferState = kIdleAfterRead;
+    load("amp.bin");
+    upgrade();
+    gWaits.tick = 20ms;
+    save("saved.bin");
+    EXPECT_TRUE(writing && reading);
+    EXPECT_EQ(readFile("saved.bin"), "old");
+    EXPECT_TRUE(window.isEnabled());
+    EXPECT_EQ(progressDialog(), nullptr);
+    EXPECT_EQ(user.texts(),
+              QStringList({"Succeed", "saved.bin already exists. / Do you want to replace it?", "Succeed"}));
+}
