@@ -16,14 +16,13 @@ ByteWait::ByteWait() : byteArrived_(boundPort().descriptor(), QSocketNotifier::R
 int ByteWait::fncWaitByte(std::chrono::milliseconds timeout) {
     gWaitTimeUp = false;
     timerWait_.start(timeout);
-    QEventLoop::ProcessEventsFlags events = QEventLoop::AllEvents;
     while (true) {
-        QCoreApplication::processEvents(events);
+        // A byte that is waiting is an event as well, so that this sleeps only when there is nothing to do at all.
+        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
         const QByteArray byte = boundPort().input(1);
         if (!byte.isEmpty())
             return static_cast<unsigned char>(byte[0]);
         if (gWaitTimeUp)
             return kTimeUp;
-        events = QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents;
     }
 }

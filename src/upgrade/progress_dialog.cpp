@@ -32,6 +32,8 @@ frmWait::frmWait(QWidget& owner)
     setFixedSize(kClientWidth / kTwipsPerPixel, kClientHeight / kTwipsPerPixel);
     placeControls(*this, kPlaces);
     cmdCancel->hide();
+    // Enter must not cancel by accident what takes minutes.
+    cmdCancel->setAutoDefault(false);
     prbComm->setAlignment(Qt::AlignCenter);
     refresh_.setInterval(std::chrono::milliseconds(100));
     refresh_.callOnTimeout([this] { refresh(); });

@@ -33,7 +33,6 @@ const QStringList kIdentification{"0501", "0601", "0101D40001000001", "0101D5000
 class StartUp : public ProgramTest {
 protected:
     StartUp() {
-        qputenv("XDG_RUNTIME_DIR", file({}).toLocal8Bit());
         writeFile("Setting.INI", "[OPERATION]\nLanguage=ENGLISH\n[IFU]\nCOM=2\n");
         writeFile("TYPE.INI", "[AMP_TYPE]\n0A=12000,AMP-A,x\n[IFU_TYPE]\nSV-IFU16=D\n[IFU_DEFINE]\nD=IFU-D\n");
         gWaits.reply = gWaits.exchangeMark = 150ms;

@@ -1,10 +1,13 @@
-/// main() of every test program that needs Qt: no display, no settings of the user.
+/// main() of every test program that needs Qt: no display, nothing of the user's.
 #include <QApplication>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 int main(int argc, char* argv[]) {
     testing::InitGoogleTest(&argc, argv);
+    const QTemporaryDir runtimeFolder;
+    qputenv("XDG_RUNTIME_DIR", runtimeFolder.path().toLocal8Bit());
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
