@@ -1,5 +1,6 @@
 #include "app/language_dialog.h"
 
+#include "text/centring.h"
 #include "text/form_texts.h"
 #include "text/string_table.h"
 
@@ -47,6 +48,7 @@ frmLanguage::frmLanguage() {
     QRadioButton* chosen = optLanguage[gLanguage == 0 ? 0 : 1];
     chosen->setChecked(true);
     chosen->setFocus();
+    centreOnScreen(*this);
 }
 
 void frmLanguage::cmdOK_Click() {

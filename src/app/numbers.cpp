@@ -37,7 +37,7 @@ template <typename Integer>
 static Integer rounded(double value) {
     const double nearest = std::nearbyint(value);
     if (!(nearest >= std::numeric_limits<Integer>::min() && nearest <= std::numeric_limits<Integer>::max()))
-        throw RuntimeFailure(failure::kOverflow, literalText(u"Overflow: %1 is not between %2 and %3",
+        throw RuntimeFailure(failure::kOverflow, messageText(u"Overflow: %1 is not between %2 and %3",
                                                              u"オーバーフロー: %1 は %2～%3 の範囲にありません")
                                                      .arg(value)
                                                      .arg(std::numeric_limits<Integer>::min())

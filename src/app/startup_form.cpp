@@ -8,6 +8,7 @@
 #include "system/event_wait.h"
 #include "system/program_end.h"
 #include "system/single_instance.h"
+#include "text/centring.h"
 #include "text/error_report.h"
 #include "text/form_texts.h"
 #include "text/message_box.h"
@@ -21,7 +22,6 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QScopedValueRollback>
-#include <QScreen>
 #include <QVBoxLayout>
 #include <QWindow>
 
@@ -87,7 +87,7 @@ void frmStartUp::startUp() {
         endProgram();
     }
     setPortControlsVisible(false);
-    centreOnScreen();
+    centreOnScreen(*this);
     showPainted();
     selectConfiguredPort();
     fncPortOpen(gComPort, gBaudRate + kLineSettings);
@@ -113,12 +113,6 @@ void frmStartUp::setPortControlsVisible(bool visible) {
     cmbBps->hide();
 }
 
-void frmStartUp::centreOnScreen() {
-    adjustSize();
-    const QRect area = screen()->geometry();
-    move(area.x() + (area.width() - width()) / 2, area.y() + (area.height() - height()) / 2);
-}
-
 /// Shows the form and serves window events until it stands on the screen: the test that follows serves none.
 void frmStartUp::showPainted() {
     show();
@@ -130,7 +124,7 @@ void frmStartUp::selectConfiguredPort() {
     const int index = gComPort - 1;
     if (index < -1 || index >= cmbCom->count())
         throw RuntimeFailure(failure::kInvalidProperty,
-                             literalText(u"Setting.INI: there is no port COM%1; choose one of COM1 to COM%2",
+                             messageText(u"Setting.INI: there is no port COM%1; choose one of COM1 to COM%2",
                                          u"Setting.INI: COM%1 はありません。COM1～COM%2 から選択して下さい")
                                  .arg(gComPort)
                                  .arg(cmbCom->count()));
@@ -150,7 +144,7 @@ void frmStartUp::judgeFirstTest(const QString& result) {
 
 void frmStartUp::offerPortChoice() {
     setPortControlsVisible(true);
-    centreOnScreen();
+    centreOnScreen(*this);
     show();
     cmbCom->setFocus();
 }

@@ -41,7 +41,6 @@ private:
     void startUp();
     void fillLists();
     void setPortControlsVisible(bool visible);
-    void centreOnScreen();
     void showPainted();
     void selectConfiguredPort();
     void judgeFirstTest(const QString& result);

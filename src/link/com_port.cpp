@@ -9,7 +9,7 @@ MSComm* gobjComm = nullptr;
 
 MSComm& boundPort() {
     if (gobjComm == nullptr)
-        throw RuntimeFailure(failure::kPortNotOpen, literalText(u"No COM port is open", u"COMポートが開いていません"));
+        throw RuntimeFailure(failure::kPortNotOpen, messageText(u"No COM port is open", u"COMポートが開いていません"));
     return *gobjComm;
 }
 

@@ -46,7 +46,7 @@ static int decimalNumber(const QByteArray& characters) {
     const int number = characters.trimmed().toInt(&isNumber);
     if (!isNumber)
         throw RuntimeFailure(failure::kTypeMismatch,
-                             literalText(u"The number of sensors in the status reply is no number: \"%1\"",
+                             messageText(u"The number of sensors in the status reply is no number: \"%1\"",
                                          u"ステータス応答のセンサ台数が数値ではありません: \"%1\"")
                                  .arg(QString::fromLatin1(characters)));
     return number;

@@ -28,7 +28,7 @@ QString devicePath(int number) {
     const bool linkExists = QFileInfo(link).isSymLink() || QFileInfo::exists(link);
     const QString path = linkExists ? link : QStringLiteral("/dev/ttyS%1").arg(number - 1);
     if (number < 1 || !QFileInfo::exists(path))
-        throw RuntimeFailure(failure::kInvalidPort, literalText(u"COM%1: there is neither a link %2 to a device nor %3",
+        throw RuntimeFailure(failure::kInvalidPort, messageText(u"COM%1: there is neither a link %2 to a device nor %3",
                                                                 u"COM%1: デバイスへのリンク %2 も %3 もありません")
                                                         .arg(number)
                                                         .arg(programFile(QStringLiteral("com%1").arg(number)),
@@ -41,18 +41,18 @@ QString remedy(int error) {
     switch (error) {
     case EACCES:
     case EPERM:
-        return literalText(u"; add the user to the group dialout", u"。ユーザーをグループ dialout に追加してください");
+        return messageText(u"; add the user to the group dialout", u"。ユーザーをグループ dialout に追加してください");
     case EBUSY:
     case EWOULDBLOCK:
-        return literalText(u"; another program uses the port", u"。他のプログラムがポートを使用しています");
+        return messageText(u"; another program uses the port", u"。他のプログラムがポートを使用しています");
     case ENXIO:
     case ENODEV:
     case EIO:
-        return literalText(u"; the adapter is unplugged, or there is no device behind the port",
+        return messageText(u"; the adapter is unplugged, or there is no device behind the port",
                            u"。アダプターが抜けているか、ポートにデバイスがありません");
     case ENOTTY:
     case EISDIR:
-        return literalText(u"; this is no serial port", u"。シリアルポートではありません");
+        return messageText(u"; this is no serial port", u"。シリアルポートではありません");
     default:
         return {};
     }
@@ -133,7 +133,7 @@ void MSComm::close() {
 void MSComm::requireOpen() const {
     if (!isOpen())
         throw RuntimeFailure(failure::kPortNotOpen,
-                             literalText(u"COM%1 is not open", u"COM%1 は開いていません").arg(number_));
+                             messageText(u"COM%1 is not open", u"COM%1 は開いていません").arg(number_));
 }
 
 qsizetype MSComm::inBufferCount() const {

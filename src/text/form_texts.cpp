@@ -157,8 +157,14 @@ void subApplyLanguage(const QString& formName) {
     });
 }
 
+// Where the catalogue's fonts are not installed: first the fonts with the widths of the English one, then Japanese
+// gothic ones.
+static const QStringList kStandIns{QStringLiteral("Liberation Sans"), QStringLiteral("IPAPGothic"),
+                                   QStringLiteral("Noto Sans CJK JP"), QStringLiteral("VL PGothic"),
+                                   QStringLiteral("TakaoPGothic")};
+
 void setCatalogueFont(QWidget& control) {
     QFont font = control.font();
-    font.setFamilies({gFontName});
+    font.setFamilies(QStringList(gFontName) + kStandIns);
     control.setFont(font);
 }

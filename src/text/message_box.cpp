@@ -1,5 +1,6 @@
 #include "text/message_box.h"
 
+#include "text/centring.h"
 #include "text/runtime_failure.h"
 #include "text/string_table.h"
 
@@ -59,6 +60,8 @@ MsgBoxResult showMessageBox(const QString& message, int style, const QString& ti
         box.setEscapeButton(cancel);
     }
     makeRoomForTitle(box);
+    if (box.parentWidget() == nullptr)
+        centreOnScreen(box);
     return box.exec() == QMessageBox::Ok ? kOk : kCancel;
 }
 

@@ -32,6 +32,10 @@ QString text(int id) {
     return QString::fromUtf16(gLangOffset == 0 ? entry->japanese : entry->english);
 }
 
+QString messageText(const char16_t* english, const char16_t* japanese) {
+    return QString::fromUtf16(gLangOffset == 0 ? japanese : english);
+}
+
 QString literalText(const char16_t* english, const char16_t* japanese) {
     return QString::fromUtf16(gLanguage == 0 ? japanese : english);
 }

@@ -23,5 +23,8 @@ extern int gLangOffset;
 /// @throws RuntimeFailure  the table has no such entry
 QString text(int id);
 
+/// One of two texts, in the language of the offset: for what stands inside a message, such as a failure's description.
+QString messageText(const char16_t* english, const char16_t* japanese);
+
 /// One of two literal texts, chosen by the language selector itself.
 QString literalText(const char16_t* english, const char16_t* japanese);

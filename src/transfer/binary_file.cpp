@@ -20,7 +20,7 @@ static void readInto(QByteArray& array, qsizetype count, const QString& path) {
     if (taken < 0)
         failed(file);
     if (taken < count)
-        throw RuntimeFailure(failure::kFileAccess, literalText(u"%1: the file ends after %2 of %3 bytes",
+        throw RuntimeFailure(failure::kFileAccess, messageText(u"%1: the file ends after %2 of %3 bytes",
                                                                u"%1: ファイルが %2/%3 バイトで終わっています")
                                                        .arg(path)
                                                        .arg(taken)

@@ -33,9 +33,9 @@ static QString sendWithRetries(const QString& code) {
 }
 
 static QString refusal(const QString& code, const QString& response) {
-    return literalText(u"The unit did not carry out command %1 in three attempts; its last answer: %2",
+    return messageText(u"The unit did not carry out command %1 in three attempts; its last answer: %2",
                        u"コマンド %1 を3回送信しましたが、実行されませんでした。最後の応答: %2")
-        .arg(code, response.isEmpty() ? literalText(u"unusable", u"無効") : response);
+        .arg(code, response.isEmpty() ? messageText(u"unusable", u"無効") : response);
 }
 
 /// Puts the unit into its download state with "51", or into its upload state with "52".

@@ -52,12 +52,12 @@ int Sender::fail(int result, const QString& what) {
 }
 
 int Sender::run() {
-    place_ = literalText(u"Before the first block: ", u"最初のブロックの前: ");
+    place_ = messageText(u"Before the first block: ", u"最初のブロックの前: ");
     if (const int failed = waitForStart(); failed != 0)
         return failed;
     if (const int failed = sendBlocks(); failed != 0)
         return failed;
-    place_ = literalText(u"At the end of the image (EOT): ", u"イメージの終わり (EOT): ");
+    place_ = messageText(u"At the end of the image (EOT): ", u"イメージの終わり (EOT): ");
     if (const int failed = deliver(QByteArray(1, kEot)); failed != 0)
         return failed;
     acknowledged_(kImageSize);
@@ -80,17 +80,17 @@ int Sender::waitForStart() {
         case kCan:
             strayBytes = 0;
             if (++cans == kCansToAbort)
-                return fail(kXmodemCancelled, literalText(u"the unit cancelled the transfer (CAN)",
+                return fail(kXmodemCancelled, messageText(u"the unit cancelled the transfer (CAN)",
                                                           u"ユニットが転送を中止しました (CAN)"));
             break;
         case ByteWait::kTimeUp:
-            return fail(kXmodemNoAnswer, literalText(u"the unit did not ask for the image within %1 s",
+            return fail(kXmodemNoAnswer, messageText(u"the unit did not ask for the image within %1 s",
                                                      u"ユニットが%1秒以内に転送を開始しませんでした")
                                              .arg(std::chrono::duration<double>(gWaits.transferStart).count()));
         default:
             boundPort().discardInput();
             if (++strayBytes == kMostStrayBytes)
-                return fail(kXmodemRefused, literalText(u"%1 unexpected bytes came, the last one %2",
+                return fail(kXmodemRefused, messageText(u"%1 unexpected bytes came, the last one %2",
                                                         u"予期しないバイトを%1回受信しました (最後は %2)")
                                                 .arg(strayBytes)
                                                 .arg(byte, 2, 16, QLatin1Char('0')));
@@ -101,7 +101,7 @@ int Sender::waitForStart() {
 int Sender::sendBlocks() {
     constexpr int kBlocks = kImageSize / kBlockSize;
     for (int block = 1; block <= kBlocks; ++block) {
-        place_ = literalText(u"Block %1 of %2: ", u"ブロック %1/%2: ").arg(block).arg(kBlocks);
+        place_ = messageText(u"Block %1 of %2: ", u"ブロック %1/%2: ").arg(block).arg(kBlocks);
         const QByteArray data = gImageBuf.mid((block - 1) * kBlockSize, kBlockSize);
         if (const int failed = deliver(buildPacket(block, data, check_)); failed != 0)
             return failed;
@@ -114,7 +114,7 @@ int Sender::sendBlocks() {
 int Sender::deliver(const QByteArray& packet) {
     try {
         if (const int failed = fncSendPacket(packet); failed != 0)
-            return fail(failed, literalText(u"the port failed", u"ポートエラー"));
+            return fail(failed, messageText(u"the port failed", u"ポートエラー"));
         return awaitAcknowledgement(packet);
     } catch (const RuntimeFailure& f) {
         throw RuntimeFailure(f.number(), place_ + f.description());
@@ -133,20 +133,20 @@ int Sender::awaitAcknowledgement(const QByteArray& packet) {
         case ByteWait::kTimeUp:
             cans = 0;
             if (sends == kMostSends)
-                return byte == kNak ? fail(kXmodemRefused, literalText(u"sent %1 times; the unit refused it (NAK)",
+                return byte == kNak ? fail(kXmodemRefused, messageText(u"sent %1 times; the unit refused it (NAK)",
                                                                        u"%1回送信しましたが、拒否されました (NAK)")
                                                                .arg(sends))
-                                    : fail(kXmodemNoAnswer, literalText(u"sent %1 times; the unit did not answer",
+                                    : fail(kXmodemNoAnswer, messageText(u"sent %1 times; the unit did not answer",
                                                                         u"%1回送信しましたが、応答がありません")
                                                                 .arg(sends));
             ++sends;
             if (const int failed = fncSendPacket(packet); failed != 0)
-                return fail(failed, literalText(u"the port failed", u"ポートエラー"));
+                return fail(failed, messageText(u"the port failed", u"ポートエラー"));
             break;
         case kCan:
             sends = 1;
             if (++cans == kCansToAbort)
-                return fail(kXmodemCancelled, literalText(u"the unit cancelled the transfer (CAN)",
+                return fail(kXmodemCancelled, messageText(u"the unit cancelled the transfer (CAN)",
                                                           u"ユニットが転送を中止しました (CAN)"));
             break;
         default:

@@ -28,7 +28,7 @@ static qint64 fileLength(const QString& path) {
     const QFileInfo file(path);
     if (!file.exists())
         throw RuntimeFailure(failure::kFileAccess,
-                             literalText(u"%1: there is no such file", u"%1: ファイルが見つかりません").arg(path));
+                             messageText(u"%1: there is no such file", u"%1: ファイルが見つかりません").arg(path));
     return file.size();
 }
 

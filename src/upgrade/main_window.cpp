@@ -2,6 +2,7 @@
 
 #include "system/program_end.h"
 #include "system/program_folder.h"
+#include "text/centring.h"
 #include "text/form_texts.h"
 #include "text/message_box.h"
 #include "text/string_table.h"
@@ -15,7 +16,6 @@
 #include <QFrame>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QScreen>
 
 namespace {
 
@@ -149,8 +149,7 @@ void frmMain::subSetWindowTexts() {
 }
 
 void frmMain::showWindow() {
-    const QRect area = screen()->geometry();
-    move(area.center() - rect().center());
+    centreOnScreen(*this);
     show();
     raise();
     activateWindow();

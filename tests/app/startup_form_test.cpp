@@ -2,19 +2,10 @@
 
 #include "app/identification.h"
 #include "app/settings.h"
-#include "link/com_port.h"
-#include "link/device_commands.h"
-#include "link/frame_link.h"
-#include "link/waits.h"
-#include "simulator/simulator.h"
-#include "support/boxes.h"
-#include "support/program.h"
-#include "text/string_table.h"
+#include "support/units_test.h"
 
 #include <QComboBox>
 #include <QPushButton>
-
-using namespace std::chrono_literals;
 
 namespace {
 
@@ -26,37 +17,23 @@ public:
     QStringList calls;
 };
 
-const QStringList kIdentification{"0501", "0601", "0101D40001000001", "0101D50001000001", "0501"};
+const std::vector<std::string> kIdentification{"0501", "0601", "0101D40001000001", "0101D50001000001", "0501"};
+
+/// The first `count` requests of an identification.
+std::vector<std::string> identification(int count) {
+    return {kIdentification.begin(), kIdentification.begin() + count};
+}
 
 }  // namespace
 
-class StartUp : public ProgramTest {
+class StartUp : public UnitsTest {
 protected:
     StartUp() {
-        writeFile("Setting.INI", "[OPERATION]\nLanguage=ENGLISH\n[IFU]\nCOM=2\n");
+        writeFile("Setting.INI", "[OPERATION]\nLanguage=ENGLISH\n[IFU]\nCOM=1\n");
         writeFile("TYPE.INI", "[AMP_TYPE]\n0A=12000,AMP-A,x\n[IFU_TYPE]\nSV-IFU16=D\n[IFU_DEFINE]\nD=IFU-D\n");
         gWaits.reply = gWaits.exchangeMark = 150ms;
         gAmpTypeName.clear();
         gIfuTypeName.clear();
-    }
-
-    ~StartUp() override {
-        subPortClose();
-        gWaits = Waits{};
-    }
-
-    units::Simulator& unitsWith(std::vector<std::string> faults, units::Options options = {}) {
-        options.faults = std::move(faults);
-        simulator = std::make_unique<units::Simulator>(options);
-        linkPort(2, QString::fromStdString(simulator->port()));
-        return *simulator;
-    }
-
-    QStringList requests() const {
-        QStringList all;
-        for (const std::string& request : simulator->requests())
-            all += QString::fromStdString(request);
-        return all;
     }
 
     bool offersPorts() const { return form.isVisible() && form.findChild<QPushButton*>("cmdTest")->isVisible(); }
@@ -66,14 +43,12 @@ protected:
         form.findChild<QPushButton*>("cmdTest")->click();
     }
 
-    std::unique_ptr<units::Simulator> simulator;
     FakeMainWindow mainWindow;
     frmStartUp form{mainWindow};
-    BoxOperator user;
 };
 
 TEST_F(StartUp, IdentifiesBothUnitsAndHandsOver) {
-    unitsWith({});
+    plug({});
     form.load();
     EXPECT_EQ(requests(), kIdentification);
     EXPECT_EQ(mainWindow.calls, QStringList({"create", "rows", "show"}));
@@ -87,32 +62,33 @@ TEST_F(StartUp, IdentifiesBothUnitsAndHandsOver) {
 }
 
 TEST_F(StartUp, AFailedFirstTestOffersThePortsAndSetTriesTwice) {
-    units::Simulator& sim = unitsWith({"silence@0501*3"});
+    plug({"silence@0501*3"});
     form.load();
     EXPECT_EQ(user.texts(), QStringList{"An error is in a setup of a COM port.Please check."});
     ASSERT_TRUE(offersPorts());
     EXPECT_FALSE(form.findChild<QComboBox*>("cmbBps")->isVisible());
-    EXPECT_EQ(form.findChild<QComboBox*>("cmbCom")->currentText(), "COM2");
+    EXPECT_EQ(form.findChild<QComboBox*>("cmbCom")->currentText(), "COM1");
 
-    chooseAndSet(2);
-    EXPECT_EQ(user.texts().back(), "The present communication port(COM2)is not effective.");
-    EXPECT_EQ(sim.requests().size(), 3U) << "\"Set\" tests twice";
+    chooseAndSet(1);
+    EXPECT_EQ(user.texts().back(), "The present communication port(COM1)is not effective.");
+    EXPECT_EQ(requests().size(), 3U) << "\"Set\" tests twice";
     chooseAndSet(16);
     EXPECT_EQ(user.texts().back(), "The present communication port(COM16)is not effective.") << "no such port";
-    EXPECT_EQ(sim.requests().size(), 3U);
+    EXPECT_EQ(requests().size(), 3U);
     ASSERT_TRUE(offersPorts());
 
-    linkPort(7, QString::fromStdString(sim.port()));
+    linkPort(7, QString::fromStdString(simulator->port()));
     chooseAndSet(7);
     EXPECT_EQ(gComPort, 7);
     EXPECT_EQ(mainWindow.calls.back(), "show");
-    EXPECT_TRUE(readFile("Setting.INI").contains("COM=2")) << "the choice holds for this run only";
+    EXPECT_TRUE(readFile("Setting.INI").contains("COM=1")) << "the choice holds for this run only";
 }
 
 TEST_F(StartUp, APortThatDoesNotOpenGivesThreeMessagesThenTheChoice) {
+    linkPort(1, "/nowhere");
     form.load();
     EXPECT_EQ(user.texts(),
-              QStringList({"The present communication port(COM2)is not effective.", "It is a receiving timeout error.",
+              QStringList({"The present communication port(COM1)is not effective.", "It is a receiving timeout error.",
                            "An error is in a setup of a COM port.Please check."}));
     EXPECT_TRUE(offersPorts());
 }
@@ -142,7 +118,7 @@ TEST_F(StartUp, WhatLeavesNothingSensibleToDoEndsTheProgram) {
         const char* fault;
         units::Options options;
         QStringList said;
-        qsizetype requests;
+        int requests;
     } const cases[] = {
         {"response:2204@0501", {}, {}, 1},      {"silence@0601", {}, {}, 2},
         {"response:1001@0101D4", {}, {}, 3},    {"bcc@0101D5", {}, {}, 4},
@@ -150,36 +126,34 @@ TEST_F(StartUp, WhatLeavesNothingSensibleToDoEndsTheProgram) {
         {"", noneConnected, {notConnected}, 2}, {"", faulty, {notConnected}, 2},
     };
     for (const auto& c : cases) {
-        BoxOperator operatorOfThisRun;
         frmStartUp startUp(mainWindow);
-        unitsWith(*c.fault != '\0' ? std::vector<std::string>{c.fault} : std::vector<std::string>{}, c.options);
+        options = c.options;
+        plug({c.fault});
         EXPECT_THROW(startUp.load(), ProgramEnded) << c.fault;
-        EXPECT_EQ(operatorOfThisRun.texts(), c.said) << c.fault;
-        EXPECT_EQ(requests(), kIdentification.mid(0, c.requests)) << c.fault;
-        subPortClose();
+        EXPECT_EQ(user.said(), c.said) << c.fault;
+        EXPECT_EQ(requests(), identification(c.requests)) << c.fault;
     }
 }
 
 TEST_F(StartUp, SomeRefusalsOnlyShortenTheIdentification) {
     struct {
         const char* fault;
-        qsizetype requests;
+        int requests;
         const char* amplifier;
     } const cases[] = {{"response:1004@0601", 2, ""}, {"response:2204@0101D4", 3, ""}};
     for (const auto& c : cases) {
         frmStartUp startUp(mainWindow);
-        unitsWith({c.fault});
+        plug({c.fault});
         startUp.load();
-        EXPECT_EQ(requests(), kIdentification.mid(0, c.requests)) << c.fault;
+        EXPECT_EQ(requests(), identification(c.requests)) << c.fault;
         EXPECT_EQ(gAmpTypeName, c.amplifier);
         EXPECT_EQ(mainWindow.calls.back(), "show");
-        subPortClose();
     }
     EXPECT_TRUE(user.boxes().empty());
 }
 
 TEST_F(StartUp, AnUnpluggedCableDuringIdentificationIsSaid) {
-    unitsWith({"unplug@0101D4"});
+    plug({"unplug@0101D4"});
     EXPECT_THROW(form.load(), ProgramEnded);
     EXPECT_EQ(user.texts(), QStringList{"It is a receiving timeout error."});
 }

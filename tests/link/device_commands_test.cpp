@@ -1,59 +1,30 @@
-#include "link/device_commands.h"
+#include "support/units_test.h"
 
-#include "link/com_port.h"
-#include "link/frame_link.h"
-#include "support/boxes.h"
-#include "support/peer.h"
-#include "support/program.h"
-
-using namespace std::chrono_literals;
-
-class DeviceCommands : public ProgramTest {
+class DeviceCommands : public UnitsTest {
 protected:
-    ~DeviceCommands() override {
-        subPortClose();
-        gblnCommBusy = false;
-    }
-
-    ScriptedPeer& peerWith(std::vector<QByteArray> replies) {
-        peer = std::make_unique<ScriptedPeer>(std::move(replies));
-        linkPort(1, peer->device());
-        EXPECT_TRUE(fncPortOpen(1, QStringLiteral("38400,n,8,1")));
-        return *peer;
-    }
-
-    /// Command text of the last request: between node, sub-address, service and ETX, check byte.
-    QByteArray lastCommand() { return peer->requests().back().mid(6).chopped(2); }
-
-    std::unique_ptr<ScriptedPeer> peer;
     QByteArray data;
-    BoxOperator user;
 };
 
 TEST_F(DeviceCommands, BuildTheirTexts) {
-    const QByteArray good = replyFrame("00000030050000");
-    peerWith(std::vector<QByteArray>(6, good));
+    // The units refuse what does not fit their state, but they write down what came.
+    unitsWith({});
     fncReadVariable("D5", 1, 1, data, 1s, false);
-    EXPECT_EQ(lastCommand(), "0101D50001000001");
     fncReadVariable("D4", 300, 0x1'0002, data, 1s, false);
-    EXPECT_EQ(lastCommand(), "0101D4012C000002");
-    const std::pair<const char*, QByteArray> operations[] = {
-        {"52", "300552010C00"}, {"51", "300551010C00"}, {"54", "300554010000"}};
-    for (const auto& [code, text] : operations) {
-        EXPECT_EQ(fncOperationCommand(code, 1), "0000");
-        EXPECT_EQ(lastCommand(), text);
-    }
-    fncOperationCommand("53", 300);
-    EXPECT_EQ(lastCommand(), "3005532C0000");
+    fncOperationCommand("54", 1);
+    fncOperationCommand("50", 0);
+    fncOperationCommand("51", 300);
+    fncOperationCommand("52", 255);
+    EXPECT_EQ(requests(), (std::vector<std::string>{"0101D50001000001", "0101D4012C000002", "300554010000",
+                                                    "300550000000", "3005512C0C00", "300552FF0C00"}));
 }
 
 TEST_F(DeviceCommands, TheStatusReadGivesStatusAndSensorCount) {
-    peerWith({replyFrame("0000000601000000 2"), replyFrame("0000000601000001x1"), replyFrame("00000F06011004")});
+    unitsWith({"data:00 2@0601", "data:01x1@0601#2", "response:1004@0601#3"});
     EXPECT_EQ(fncReadUnitStatus("0601", data), "0000");
     EXPECT_EQ(gUnitStatus, "00");
     EXPECT_EQ(gSensorCount, 2);
     EXPECT_EQ(fncReadUnitStatus("0601", data), "9999") << "a count that is no number is a failure";
-    EXPECT_EQ(user.texts(), QStringList{"アプリケーションで異常が発生しました。 / RES : 0000"});
+    EXPECT_EQ(user.said(), QStringList{"Application error. / RES : 0000"});
     EXPECT_EQ(fncReadUnitStatus("0601", data), "1004");
     EXPECT_EQ(gUnitStatus, "");
     EXPECT_EQ(gSensorCount, 0);
@@ -61,5 +32,5 @@ TEST_F(DeviceCommands, TheStatusReadGivesStatusAndSensorCount) {
 
 TEST_F(DeviceCommands, AFailureIsShownAndGives9999) {
     EXPECT_EQ(fncSendTextCommand("0501", data), "9999") << "no port is open";
-    EXPECT_EQ(user.texts(), QStringList{"受信タイムアウトエラーです。"});
+    EXPECT_EQ(user.said(), QStringList{"It is a receiving timeout error."});
 }

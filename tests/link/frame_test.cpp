@@ -1,6 +1,6 @@
 #include "link/frame.h"
 
-#include "support/peer.h"
+#include "support/print.h"
 #include "text/runtime_failure.h"
 
 #include <gtest/gtest.h>
@@ -14,6 +14,14 @@ TEST(RequestFrame, IsTheExactBytes) {
 }
 
 namespace {
+
+/// A reply frame around `text`, which begins with the node number; its check byte is right.
+QByteArray replyFrame(const QByteArray& text) {
+    char check = 0x03;
+    for (const char c : text)
+        check = static_cast<char>(check ^ c);
+    return '\x02' + text + '\x03' + check;
+}
 
 const QByteArray kGood = replyFrame("00000005010000");
 

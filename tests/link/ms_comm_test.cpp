@@ -2,8 +2,8 @@
 
 #include "link/com_port.h"
 #include "support/boxes.h"
-#include "support/peer.h"
 #include "support/program.h"
+#include "support/pty.h"
 #include "text/runtime_failure.h"
 
 #include <fcntl.h>

@@ -5,6 +5,8 @@
 #include <QMessageBox>
 #include <QTimer>
 
+#include <utility>
+
 BoxOperator::BoxOperator() { qApp->installEventFilter(this); }
 
 BoxOperator::~BoxOperator() { qApp->removeEventFilter(this); }
@@ -15,6 +17,8 @@ QStringList BoxOperator::texts() const {
         texts += QString(box.text).replace(QLatin1Char('\n'), QStringLiteral(" / "));
     return texts;
 }
+
+QStringList BoxOperator::said() { return texts().mid(std::exchange(told_, static_cast<qsizetype>(boxes_.size()))); }
 
 bool BoxOperator::eventFilter(QObject* watched, QEvent* event) {
     auto* box = event->type() == QEvent::Show ? qobject_cast<QMessageBox*>(watched) : nullptr;

@@ -29,10 +29,14 @@ public:
     /// Texts of the boxes so far, in order, with " / " for a line break.
     QStringList texts() const;
 
+    /// Texts of the boxes since the last call.
+    QStringList said();
+
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     std::vector<Box> boxes_;
+    qsizetype told_ = 0;
     std::deque<int> answers_;
 };

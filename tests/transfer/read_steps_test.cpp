@@ -25,26 +25,20 @@ protected:
     }
 
     /// What the file must hold after `blocks` blocks: the firmware so far, then zeros.
-    QByteArray firmwareOf(unsigned blocks) const {
-        const units::Bytes all = simulator->firmware(units::Unit::amplifier);
-        return QByteArray(reinterpret_cast<const char*>(all.data()), blocks * 128).leftJustified(kImageSize, '\0');
-    }
-
-    units::Options options;
+    QByteArray firmwareOf(int blocks) const { return firmware().left(blocks * 128).leftJustified(kImageSize, '\0'); }
 };
 
 TEST_F(ReadTest, TheFileIsTheFirmwareHoweverTheBlocksArrive) {
-    const std::vector<std::string> requests{"300552010C00", "300554010000", "300553010000"};
+    const std::vector<std::string> expected{"300552010C00", "300554010000", "300553010000"};
     for (const char* fault :
          {"", "split:1@block3", "splitat:1,20@block*all", "splitat:131,20@block*all", "delay:60@block5"}) {
-        unitsWith(*fault != '\0' ? std::vector<std::string>{fault} : std::vector<std::string>{}, options);
+        unitsWith({fault});
         read();
         EXPECT_EQ(readFile("saved.bin"), firmwareOf(9)) << fault;
-        EXPECT_EQ(simulator->requests(), requests) << fault;
+        EXPECT_EQ(requests(), expected) << fault;
         EXPECT_TRUE(simulator->violations().empty()) << fault << ": " << simulator->violations().front();
         EXPECT_EQ(user.texts().back(), "Succeed") << fault;
         QFile::remove(file("saved.bin"));
-        subPortClose();
     }
     EXPECT_EQ(user.boxes().size(), 5U);
     EXPECT_EQ(screen.calls.mid(0, 6),
@@ -78,7 +72,7 @@ TEST_F(ReadTest, APieceMayBeginWithAnyByte) {
 TEST_F(ReadTest, AForeignSenderDeliversTheVeryFile) {
     writeFile("sent.bin", gImageBuf.left(kImageSize));
     options.sender = "sx " + file("sent.bin").toStdString() + " 2>/dev/null";
-    unitsWith({}, options);
+    unitsWith({});
     read();
     EXPECT_EQ(readFile("saved.bin"), gImageBuf.left(kImageSize));
     EXPECT_EQ(screen.bytes, kImageSize);
@@ -102,20 +96,18 @@ TEST_F(ReadTest, AReadThatDoesNotComeToItsEndWritesNoFile) {
     };
     for (const auto& c : cases) {
         writeFile("saved.bin", "old");
-        unitsWith({c.fault}, options);
-        const std::size_t saidBefore = user.boxes().size();
+        unitsWith({c.fault});
         read();
-        EXPECT_EQ(simulator->requests(), c.requests) << c.fault;
-        EXPECT_EQ(user.texts().mid(static_cast<qsizetype>(saidBefore)), c.said) << c.fault;
+        EXPECT_EQ(requests(), c.requests) << c.fault;
+        EXPECT_EQ(user.said(), c.said) << c.fault;
         const bool complete = c.requests.size() == 5 && c.said.size() == 1;
         EXPECT_EQ(readFile("saved.bin"), complete ? firmwareOf(9) : "old") << c.fault;
         EXPECT_EQ(screen.calls.back(), "enable") << c.fault;
-        subPortClose();
     }
 }
 
 TEST_F(ReadTest, APartialBlockDoesNotSpoilTheNextRead) {
-    unitsWith({"cut:70@block8"}, options);
+    unitsWith({"cut:70@block8"});
     read();
     EXPECT_GT(gBlockLen, 0);
     read();
@@ -125,7 +117,7 @@ TEST_F(ReadTest, APartialBlockDoesNotSpoilTheNextRead) {
 TEST_F(ReadTest, CancelSendsTenCansAndClosesTheRead) {
     writeFile("saved.bin", "old");
     options.uploadBlocks = 1920;
-    unitsWith({}, options);
+    unitsWith({});
     read([this] {
         if (gReadCount < 128 * 50)
             return;
@@ -134,7 +126,7 @@ TEST_F(ReadTest, CancelSendsTenCansAndClosesTheRead) {
         std::this_thread::sleep_for(50ms);
     });
     EXPECT_EQ(readFile("saved.bin"), "old");
-    EXPECT_EQ(simulator->requests().back(), "300553010000");
+    EXPECT_EQ(requests().back(), "300553010000");
     EXPECT_TRUE(simulator->violations().empty()) << simulator->violations().front();
     EXPECT_TRUE(simulator->waitFor("upload cancelled by the client", 0ms));
     gTransferState = kIdleAfterWrite;
@@ -145,7 +137,7 @@ TEST_F(ReadTest, CancelSendsTenCansAndClosesTheRead) {
 TEST_F(ReadTest, APulledCableIsReportedAndTheReadClosed) {
     writeFile("saved.bin", "old");
     gWaits.exchangeMark = 50ms;
-    unitsWith({"unplug@block7"}, options);
+    unitsWith({"unplug@block7"});
     read();
     ASSERT_GE(user.boxes().size(), 1U);
     EXPECT_TRUE(user.texts()[0].startsWith("Application error. / RES : COM1")) << qPrintable(user.texts()[0]);
@@ -155,7 +147,7 @@ TEST_F(ReadTest, APulledCableIsReportedAndTheReadClosed) {
 
 TEST_F(ReadTest, AFileThatCannotBeWrittenIsReportedAndTheOldOneStays) {
     writeFile("saved.bin", "old");
-    unitsWith({}, options);
+    unitsWith({});
     // The disk is full for every file beyond 100,000 bytes.
     std::signal(SIGXFSZ, SIG_IGN);
     rlimit before{};

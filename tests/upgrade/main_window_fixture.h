@@ -2,16 +2,9 @@
 #pragma once
 
 #include "app/identification.h"
-#include "link/com_port.h"
-#include "link/device_commands.h"
-#include "link/frame_link.h"
-#include "link/waits.h"
-#include "simulator/simulator.h"
-#include "support/boxes.h"
-#include "support/program.h"
+#include "support/units_test.h"
 #include "system/event_wait.h"
 #include "system/program_end.h"
-#include "text/string_table.h"
 #include "transfer/image_buffers.h"
 #include "upgrade/image_loading.h"
 #include "upgrade/main_window.h"
@@ -19,13 +12,10 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QLabel>
-#include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
 
-using namespace std::chrono_literals;
-
-class MainWindowTest : public ProgramTest {
+class MainWindowTest : public UnitsTest {
 protected:
     MainWindowTest() {
         QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
@@ -33,7 +23,6 @@ protected:
                               "[AMP_BIN_TYPE]\nAMPKEY=0A\nBOTH=0A\nNULL=0A\n"
                               "[IFU_BIN_TYPE]\nIFUKEY=D\nBOTH=D\n"
                               "[IFU_DEFINE]\nD=IFU-D\n");
-        gLanguage = 1;
         gAmpTypeName = "AMP-A";
         gAmpVersion = "0.500";
         gIfuTypeName = "IFU-D";
@@ -48,24 +37,8 @@ protected:
         window.showWindow();
     }
 
-    ~MainWindowTest() override {
-        subPortClose();
-        gblnCommBusy = false;
-        gintCommRetry = 0;
-        gWaits = Waits{};
-    }
-
-    void unitsWith(std::vector<std::string> faults, units::Options options = {}) {
-        options.faults = std::move(faults);
-        options.timing.startInterval = 50ms;
-        simulator = std::make_unique<units::Simulator>(options);
-        linkPort(1, QString::fromStdString(simulator->port()));
-        ASSERT_TRUE(fncPortOpen(1, QStringLiteral("38400,n,8,1")));
-    }
-
     void writeImage(const QString& name, const char* key, std::uint16_t version) {
-        const units::Bytes image = units::makeImage(key, version, version);
-        writeFile(name, QByteArray(reinterpret_cast<const char*>(image.data()), static_cast<qsizetype>(image.size())));
+        writeFile(name, bytesOf(units::makeImage(key, version, version)));
     }
 
     /// Presses "Loading file" and chooses `name` in the dialog.
@@ -112,12 +85,7 @@ protected:
         return found == windows.end() ? nullptr : *found;
     }
 
-    bool unitHolds(const QString& name, units::Unit unit) const {
-        const units::Bytes firmware = simulator->firmware(unit);
-        return readFile(name) == QByteArray(reinterpret_cast<const char*>(firmware.data()), kImageSize);
-    }
+    bool unitHolds(const QString& name, units::Unit unit) const { return readFile(name) == firmware(unit); }
 
-    std::unique_ptr<units::Simulator> simulator;
     frmMain window;
-    BoxOperator user;
 };

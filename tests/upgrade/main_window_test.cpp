@@ -85,10 +85,10 @@ TEST_F(MainWindowTest, UpgradesEitherUnitAndShowsItsNewVersion) {
     EXPECT_TRUE(window.isEnabled());
     EXPECT_EQ(window.cursor().shape(), Qt::ArrowCursor);
     EXPECT_EQ(progressDialog(), nullptr);
-    const std::vector<std::string> requests{"0101D40001000001", "300550010000",     "300551010C00", "300554010000",
+    const std::vector<std::string> expected{"0101D40001000001", "300550010000",     "300551010C00", "300554010000",
                                             "300553010000",     "0101D40001000001", "300550000000", "300551000C00",
                                             "300554000000",     "300553000000"};
-    EXPECT_EQ(simulator->requests(), requests);
+    EXPECT_EQ(requests(), expected);
     EXPECT_TRUE(simulator->violations().empty());
 }
 
@@ -127,7 +127,7 @@ TEST_F(MainWindowTest, AnImageThatDoesNotFitIsRefusedBeforeAnythingIsSent) {
     upgrade();
     EXPECT_EQ(user.texts(), QStringList{"Since the loaded file is not adapted to the connected unit, firmware upgrade "
                                         "cannot be performed."});
-    EXPECT_TRUE(simulator->requests().empty());
+    EXPECT_TRUE(requests().empty());
     EXPECT_TRUE(window.isEnabled());
 }
 
@@ -137,7 +137,7 @@ TEST_F(MainWindowTest, AFailedCheckAsksAndCancelSendsNothingMore) {
     load("amp.bin");
     user.answerNext(1);
     upgrade();
-    EXPECT_EQ(simulator->requests().size(), 1U);
+    EXPECT_EQ(requests().size(), 1U);
     EXPECT_TRUE(window.isEnabled());
     EXPECT_EQ(window.cursor().shape(), Qt::ArrowCursor);
     upgrade();
@@ -155,7 +155,7 @@ TEST_F(MainWindowTest, ADryRunSendsNothingAfterTheCheck) {
     window.findChild<QLabel*>("LabelWriteProtect")->show();
     upgrade();
     EXPECT_EQ(user.texts(), QStringList{"形式認識テストです　書込み処理はスキップします。"});
-    EXPECT_EQ(simulator->requests().size(), 1U);
+    EXPECT_EQ(requests().size(), 1U);
     EXPECT_TRUE(window.isEnabled());
 }
 

@@ -14,9 +14,8 @@ protected:
 
 TEST_F(ServiceTest, ASavedFirmwareLoadsAgainAndIsWrittenBackWithVerification) {
     writeImage("amp.bin", "AMPKEY", 13500);
-    units::Options options;
     options.amplifierFirmware = units::makeImage("AMPKEY", 12500, 3);
-    unitsWith({}, options);
+    unitsWith({});
     save("saved.bin");
     EXPECT_TRUE(unitHolds("saved.bin", units::Unit::amplifier));
     load("saved.bin");
@@ -31,7 +30,7 @@ TEST_F(ServiceTest, ASavedFirmwareLoadsAgainAndIsWrittenBackWithVerification) {
     EXPECT_TRUE(unitHolds("amp.bin", units::Unit::amplifier));
     EXPECT_EQ(user.texts(), QStringList({"Succeed", "Succeed", "Succeed", "Succeed"}));
     EXPECT_TRUE(simulator->violations().empty());
-    const std::vector<std::string> all = simulator->requests();
+    const std::vector<std::string> all = requests();
     const std::vector<std::string> verified(all.end() - 8, all.end());
     const std::vector<std::string> expected{"0101D40001000001", "300550010000", "300551010C00", "300554010000",
                                             "300552010C00",     "300554010000", "300554010000", "300553010000"};
@@ -55,7 +54,7 @@ TEST_F(ServiceTest, AReadBackThatDiffersFails) {
         upgrade();
         EXPECT_EQ(user.texts().back(), "Failed") << fault;
         EXPECT_EQ(user.boxes().back().title, "Dravolt") << fault;
-        EXPECT_EQ(simulator->requests().back(), "300553010000") << fault;
+        EXPECT_EQ(requests().back(), "300553010000") << fault;
         EXPECT_EQ(row(0), "AMP-A 0.500") << fault;
         EXPECT_EQ(gobjComm, nullptr) << fault;
         EXPECT_TRUE(window.isEnabled()) << fault;

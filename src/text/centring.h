@@ -1,0 +1,7 @@
+/// Where windows open that have no other to stand on.
+#pragma once
+
+class QWidget;
+
+/// Moves `window`, which need not be shown yet, to the middle of its screen.
+void centreOnScreen(QWidget& window);
