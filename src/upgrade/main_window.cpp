@@ -142,6 +142,11 @@ void frmMain::subSetWindowTexts() {
     optPresent[0]->setAccessibleName(literalText(u"Target: sensor amplifier", u"対象: センサアンプ"));
     optPresent[1]->setAccessibleName(literalText(u"Target: interface unit", u"対象: インターフェースユニット"));
     subApplyLanguage(objectName());
+    // The rows would show in the system's font otherwise, beside headings in the catalogue's.
+    for (std::size_t row = 0; row < lblTitle.size(); ++row) {
+        setCatalogueFont(*lblTitle[row]);
+        setCatalogueFont(*lblVersion[row]);
+    }
     if (lblService != nullptr) {
         lblService->setText(literalText(u"for service", u"サービス用"));
         setCatalogueFont(*lblService);

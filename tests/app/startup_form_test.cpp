@@ -152,10 +152,15 @@ TEST_F(StartUp, SomeRefusalsOnlyShortenTheIdentification) {
     EXPECT_TRUE(user.boxes().empty());
 }
 
-TEST_F(StartUp, AnUnpluggedCableDuringIdentificationIsSaid) {
+TEST_F(StartUp, AnUnpluggedCableIsSaid) {
     plug({"unplug@0101D4"});
     EXPECT_THROW(form.load(), ProgramEnded);
-    EXPECT_EQ(user.texts(), QStringList{"It is a receiving timeout error."});
+    EXPECT_EQ(user.said(), QStringList{"It is a receiving timeout error."});
+    plug({"unplug@0501"});
+    form.load();
+    EXPECT_EQ(user.said(),
+              QStringList({"It is a receiving timeout error.", "An error is in a setup of a COM port.Please check."}));
+    EXPECT_TRUE(offersPorts());
 }
 
 TEST(Attributes, ModelAndVersionAreCutOutOfTheText) {

@@ -30,6 +30,7 @@ protected:
         gFileTypeName.clear();
         gFileVersion.clear();
         gLoadFileName.clear();
+        gTransferState = kIdleAfterWrite;
         gWaits.packetAnswer = 100ms;
         gWaits.tick = 1ms;
         gWaits.verificationPause = 20ms;
