@@ -9,7 +9,8 @@ QString frmMain::chooseFile(QFileDialog::AcceptMode mode, const QString& preset)
     cmdSoft.setAcceptMode(mode);
     cmdSoft.setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
     cmdSoft.setNameFilter(gFilterText.section(QLatin1Char('|'), 0, 0));
-    cmdSoft.setDefaultSuffix(QStringLiteral("bin"));
+    if (mode == QFileDialog::AcceptSave)
+        cmdSoft.setDefaultSuffix(QStringLiteral("bin"));
     if (!preset.isEmpty())
         cmdSoft.selectFile(preset);
     return cmdSoft.exec() == QDialog::Accepted ? cmdSoft.selectedFiles().constFirst() : QString();

@@ -179,6 +179,7 @@ void frmMain::enableWindow() {
     setEnabled(true);
     if (focusBefore_)
         focusBefore_->setFocus();
+    focusBefore_.clear();
 }
 
 void frmMain::setDefaultCursor() { unsetCursor(); }
