@@ -53,26 +53,18 @@ LineState lineState(const std::string& text) {
     throw std::invalid_argument("'" + text + "' is not raw, fresh or hostile");
 }
 
-Bytes hex(const std::string& text) {
-    const auto bytes = parseHex(text);
-    if (!bytes)
-        throw std::invalid_argument("'" + text + "' is not hexadecimal");
-    return *bytes;
+template <std::string Options::*member>
+void text(CommandLine& line, const std::string& value) {
+    line.options.*member = value;
 }
 
 constexpr OptionInfo kOptions[] = {
     {"--help", "", "shows this", [](CommandLine& line, const std::string&) { line.task = CommandLine::Task::help; }},
 
-    {"--model", "NAME", "model name of the interface unit, up to 16 characters (SV-IFU16)",
-     [](CommandLine& line, const std::string& value) { line.options.model = value; }},
-    {"--interface-version", "TEXT", "version of the interface unit, up to 6 characters (that of its firmware, 1.004)",
-     [](CommandLine& line, const std::string& value) { line.options.interfaceVersion = value; }},
-    {"--status", "XX", "status of the interface unit; 01: faulty connection (00)",
-     [](CommandLine& line, const std::string& value) { line.options.status = value; }},
+    {"--model", "NAME", "model name of the interface unit, up to 16 characters (SV-IFU16)", text<&Options::model>},
+    {"--status", "XX", "status of the interface unit; 01: faulty connection (00)", text<&Options::status>},
     {"--sensors", "N", "number of connected sensor amplifiers (1)",
      [](CommandLine& line, const std::string& value) { line.options.sensors = number<unsigned>(value, 0, 99); }},
-    {"--type-number", "N", "type number of the amplifier (that of its firmware, 12500)",
-     [](CommandLine& line, const std::string& value) { line.options.typeNumber = number<std::uint16_t>(value); }},
     {"--kind", "N", "kind of the amplifier (0x0A)",
      [](CommandLine& line, const std::string& value) { line.options.kind = number<std::uint8_t>(value); }},
 
@@ -80,10 +72,8 @@ constexpr OptionInfo kOptions[] = {
      [](CommandLine& line, const std::string& value) { line.options.amplifierFirmware = loadImage(value); }},
     {"--firmware-interface", "FILE", "image in the interface unit at the start",
      [](CommandLine& line, const std::string& value) { line.options.interfaceFirmware = loadImage(value); }},
-    {"--save-amplifier", "FILE", "keeps the amplifier's present image in the file",
-     [](CommandLine& line, const std::string& value) { line.options.saveAmplifier = value; }},
-    {"--save-interface", "FILE", "keeps the interface unit's present image in the file",
-     [](CommandLine& line, const std::string& value) { line.options.saveInterface = value; }},
+    {"--save-amplifier", "FILE", "keeps the amplifier's present image in the file", text<&Options::saveAmplifier>},
+    {"--save-interface", "FILE", "keeps the interface unit's present image in the file", text<&Options::saveInterface>},
     {"--amplifier-check", "MODE", "packets to the amplifier are checked by crc or sum (crc)",
      [](CommandLine& line, const std::string& value) { line.options.amplifierCheck = checkMode(value); }},
     {"--interface-check", "MODE", "packets to the interface unit are checked by crc or sum (sum)",
@@ -101,25 +91,20 @@ constexpr OptionInfo kOptions[] = {
      }},
     {"--line-state", "STATE", "settings of the port before it is opened: raw, fresh or hostile (raw)",
      [](CommandLine& line, const std::string& value) { line.options.lineState = lineState(value); }},
-    {"--stale", "HEX", "bytes that wait in the port before it is opened",
-     [](CommandLine& line, const std::string& value) { line.options.stale = hex(value); }},
     {"--expect-speed", "BITS", "checks that the client has set the port to this speed, 8N1, raw; 0: no check (0)",
      [](CommandLine& line, const std::string& value) { line.options.expectSpeed = number<unsigned>(value); }},
     {"--link", "PATH", "symbolic link to the port, replaces only another link, goes with the port",
-     [](CommandLine& line, const std::string& value) { line.options.link = value; }},
+     text<&Options::link>},
 
     {"--fault", "FAULT", "a fault to show, see below; may be given several times",
      [](CommandLine& line, const std::string& value) {
          parseFault(value);
          line.options.faults.push_back(value);
      }},
-    {"--journal", "FILE", "writes down what happens",
-     [](CommandLine& line, const std::string& value) { line.options.journal = value; }},
+    {"--journal", "FILE", "writes down what happens", text<&Options::journal>},
 
-    {"--receiver", "COMMAND", "shell command that takes downloads in place of the unit",
-     [](CommandLine& line, const std::string& value) { line.options.receiver = value; }},
-    {"--sender", "COMMAND", "shell command that sends uploads in place of the unit",
-     [](CommandLine& line, const std::string& value) { line.options.sender = value; }},
+    {"--receiver", "COMMAND", "shell command that takes downloads in place of the unit", text<&Options::receiver>},
+    {"--sender", "COMMAND", "shell command that sends uploads in place of the unit", text<&Options::sender>},
     {"--receive-only", "", "one download to the amplifier, without commands",
      [](CommandLine& line, const std::string&) { line.options.receiveOnly = true; }},
     {"--expect", "FILE", "with --receive-only: the image must equal this one",

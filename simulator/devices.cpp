@@ -11,7 +11,6 @@ namespace units {
 namespace {
 
 constexpr std::size_t kModelSize = 16;
-constexpr std::size_t kVersionSize = 6;
 constexpr std::uint16_t kDefaultTypeNumber = 12500;
 constexpr std::uint16_t kDefaultInterfaceVersion = 1004;
 
@@ -22,8 +21,6 @@ void require(bool condition, const char* reason) {
 
 void check(const Options& options) {
     require(options.model.size() <= kModelSize, "the model name has up to 16 characters");
-    require(!options.interfaceVersion || options.interfaceVersion->size() <= kVersionSize,
-            "the version of the interface unit has up to 6 characters");
     require(options.status.size() == 2, "the status has 2 characters");
     require(options.sensors <= 99, "the number of sensor amplifiers is 0 to 99");
     require(options.uploadBlocks >= 1 && options.uploadBlocks <= kImageBlocks, "an upload sends 1 to 1920 blocks");
@@ -47,8 +44,6 @@ Devices::Devices(const Options& options)
     : model_(options.model),
       status_(options.status + twoDigits(options.sensors % 100)),
       kind_(options.kind),
-      interfaceVersion_(options.interfaceVersion),
-      typeNumber_(options.typeNumber),
       devices_{Device{options.interfaceFirmware, options.saveInterface, options.interfaceCheck},
                Device{options.amplifierFirmware, options.saveAmplifier, options.amplifierCheck}} {
     check(options);
@@ -56,21 +51,21 @@ Devices::Devices(const Options& options)
     if (devices_[0].firmware.empty())
         devices_[0].firmware = makeImage("SV-IFU", kDefaultInterfaceVersion, 1);
     if (devices_[1].firmware.empty())
-        devices_[1].firmware = makeImage("SV-AMP", typeNumber_.value_or(kDefaultTypeNumber), 2);
+        devices_[1].firmware = makeImage("SV-AMP", kDefaultTypeNumber, 2);
     save(Unit::interface);
     save(Unit::amplifier);
 }
 
 std::string Devices::attributes() const {
     const std::lock_guard lock(mutex_);
-    return model_ + "V" + interfaceVersion_.value_or(versionText(imageVersion(device(Unit::interface).firmware)));
+    return model_ + "V" + versionText(imageVersion(device(Unit::interface).firmware));
 }
 
 std::string Devices::status() const { return status_; }
 
 std::uint16_t Devices::typeNumber() const {
     const std::lock_guard lock(mutex_);
-    return typeNumber_.value_or(imageVersion(device(Unit::amplifier).firmware));
+    return imageVersion(device(Unit::amplifier).firmware);
 }
 
 CheckMode Devices::checkMode(Unit unit) const { return device(unit).checkMode; }
@@ -82,18 +77,8 @@ Bytes Devices::firmware(Unit unit) const {
 
 void Devices::install(Unit unit, Bytes image) {
     const std::lock_guard lock(mutex_);
-    ++installs_;
     devices_[static_cast<std::size_t>(unit)].firmware = std::move(image);
-    if (unit == Unit::interface)
-        interfaceVersion_.reset();
-    else
-        typeNumber_.reset();
     save(unit);
-}
-
-unsigned Devices::installs() const {
-    const std::lock_guard lock(mutex_);
-    return installs_;
 }
 
 void Devices::save(Unit unit) const {

@@ -6,7 +6,6 @@
 #include <array>
 #include <cstdint>
 #include <mutex>
-#include <optional>
 #include <string>
 
 namespace units {
@@ -33,9 +32,6 @@ public:
     /// Puts a new image of kImageSize bytes into a unit, which from then on shows its version.
     void install(Unit unit, Bytes image);
 
-    /// How often install() has been called.
-    unsigned installs() const;
-
 private:
     struct Device {
         Bytes firmware;
@@ -50,10 +46,7 @@ private:
     std::string model_;
     std::string status_;
     std::uint8_t kind_;
-    std::optional<std::string> interfaceVersion_;
-    std::optional<std::uint16_t> typeNumber_;
     std::array<Device, 2> devices_;
-    unsigned installs_ = 0;
 };
 
 }  // namespace units

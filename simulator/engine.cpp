@@ -67,43 +67,21 @@ void Engine::run() {
     if (options_.receiveOnly)
         startTransfer(makeReceiver(Unit::amplifier, false), now());
     while (!stop_) {
-        const unsigned ticket = idleTickets_;
-        work();
-        reportIdle(ticket);
+        receive();
+        while (!stop_ && advance())
+            continue;
         wait();
     }
 }
 
 void Engine::stop() {
     stop_ = true;
-    wake();
-}
-
-void Engine::unplug() {
-    unplug_ = true;
-    wake();
-    std::unique_lock lock(mutex_);
-    changed_.wait(lock, [this] { return unplugged_; });
-}
-
-bool Engine::waitIdle(std::chrono::milliseconds timeout) {
-    const unsigned ticket = ++idleTickets_;
-    wake();
-    std::unique_lock lock(mutex_);
-    return changed_.wait_for(lock, timeout, [this, ticket] { return idleSeen_ >= ticket; });
+    eventfd_write(wake_, 1);
 }
 
 std::optional<Time> Engine::downloadTime() const {
     const std::lock_guard lock(mutex_);
     return downloadTime_;
-}
-
-void Engine::work() {
-    if (unplug_)
-        hangUp(now());
-    receive();
-    while (!stop_ && advance())
-        continue;
 }
 
 bool Engine::advance() {
@@ -259,25 +237,9 @@ void Engine::startTransfer(std::unique_ptr<Machine> machine, Time time) {
 }
 
 void Engine::hangUp(Time time) {
-    if (pty_.descriptor() >= 0)
-        journal_.note(time, "unplugged");
+    journal_.note(time, "unplugged");
     pty_.unplug();
     transmitter_.clear();
-    const std::lock_guard lock(mutex_);
-    unplugged_ = true;
-    changed_.notify_all();
-}
-
-bool Engine::idle() const {
-    return gone() || (machine_ == &commands_ && !sending_ && arrivals_.empty() && !commands_.deadline());
-}
-
-void Engine::reportIdle(unsigned ticket) {
-    if (!idle())
-        return;
-    const std::lock_guard lock(mutex_);
-    idleSeen_ = ticket;
-    changed_.notify_all();
 }
 
 std::optional<Time> Engine::nextEvent() const {
@@ -298,23 +260,18 @@ std::optional<Time> Engine::nextEvent() const {
 void Engine::wait() {
     const bool mayRead = options_.rate == 0 || arrivals_.size() < kPacedReadLimit;
     const int events = (mayRead ? POLLIN : 0) | (sending_ && blocked_ ? POLLOUT : 0);
-    std::array<pollfd, 3> waiting = {{{wake_, POLLIN, 0},
+    std::array<pollfd, 4> waiting = {{{wake_, POLLIN, 0},
                                       {pty_.descriptor(), static_cast<short>(events), 0},
+                                      {pty_.closings(), POLLIN, 0},
                                       {sending_ || gone() ? -1 : machine_->descriptor(), POLLIN, 0}}};
     const auto next = nextEvent();
     const timespec timeout = toTimespec(std::max(next.value_or(Time{0}) - now(), Time{0}));
     if (ppoll(waiting.data(), waiting.size(), next ? &timeout : nullptr, nullptr) == 0)
         wakeLateness_ = now() - next.value_or(now());
-    if (std::uint64_t count = 0; waiting[0].revents != 0 && read(wake_, &count, sizeof count) < 0)
-        return;
     if (waiting[2].revents != 0)
+        pty_.forgetClient();
+    if (waiting[3].revents != 0)
         play(machine_->readable(now()), now());
-}
-
-void Engine::wake() {
-    const std::uint64_t one = 1;
-    if (write(wake_, &one, sizeof one) < 0)
-        return;
 }
 
 }  // namespace units

@@ -11,7 +11,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -35,13 +34,6 @@ public:
     void run();
     void stop();
 
-    /// Hangs up for good; returns when it has happened. Only while another thread is in run().
-    void unplug();
-
-    /// Waits until all requests received so far are answered and no transfer is under way; false if that takes longer
-    /// than the time.
-    bool waitIdle(std::chrono::milliseconds timeout);
-
     /// Whether the one download of a receive-only simulation is over.
     bool finished() const { return finished_; }
 
@@ -51,7 +43,6 @@ public:
 private:
     Time now() const { return std::chrono::steady_clock::now() - start_; }
     bool gone() const { return pty_.descriptor() < 0 || muted_ || finished_; }
-    void work();
     bool advance();
     bool receive();
     void judgeEarlyBytes();
@@ -64,11 +55,8 @@ private:
     std::unique_ptr<Machine> makeReceiver(Unit unit, bool unsure);
     void startTransfer(std::unique_ptr<Machine> machine, Time time);
     void hangUp(Time time);
-    bool idle() const;
-    void reportIdle(unsigned ticket);
     std::optional<Time> nextEvent() const;
     void wait();
-    void wake();
 
     const Options options_;
     Devices& devices_;
@@ -91,13 +79,8 @@ private:
     std::string settingsFlaw_;
 
     std::atomic<bool> stop_ = false;
-    std::atomic<bool> unplug_ = false;
     std::atomic<bool> finished_ = false;
-    std::atomic<unsigned> idleTickets_ = 0;
     mutable std::mutex mutex_;
-    std::condition_variable changed_;
-    unsigned idleSeen_ = 0;
-    bool unplugged_ = false;
     std::optional<Time> downloadTime_;
 };
 

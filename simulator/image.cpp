@@ -36,14 +36,6 @@ std::uint16_t imageVersion(const Bytes& image) {
     return static_cast<std::uint16_t>(info[0] | info[1] << 8);
 }
 
-std::string imageTypeKey(const Bytes& image) {
-    const auto begin = image.begin() + kTypeKeyOffset;
-    std::string key(begin, begin + kTypeKeySize);
-    const std::size_t last = key.find_last_not_of(std::string_view(" \0", 2));
-    key.resize(last == std::string::npos ? 0 : last + 1);
-    return key;
-}
-
 Bytes loadImage(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     if (!file)

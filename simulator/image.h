@@ -20,9 +20,6 @@ Bytes makeImage(std::string_view typeKey, std::uint16_t version, std::uint32_t s
 /// The version word of an image of kImageSize bytes.
 std::uint16_t imageVersion(const Bytes& image);
 
-/// The type key of an image of kImageSize bytes, without its padding.
-std::string imageTypeKey(const Bytes& image);
-
 /// Reads a file that must hold an image. Throws std::runtime_error if it cannot be read or has another size.
 Bytes loadImage(const std::string& path);
 

@@ -55,11 +55,6 @@ void Journal::request(Time at, const std::string& command, std::span<const std::
     write(at, "<- ", "request " + command, frame);
 }
 
-std::vector<std::string> Journal::lines() const {
-    const std::lock_guard lock(mutex_);
-    return lines_;
-}
-
 std::vector<std::string> Journal::violations() const {
     const std::lock_guard lock(mutex_);
     return violations_;

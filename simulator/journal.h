@@ -31,7 +31,6 @@ public:
     /// A well-formed request came; its command text is kept in requests().
     void request(Time at, const std::string& command, std::span<const std::uint8_t> frame);
 
-    std::vector<std::string> lines() const;
     std::vector<std::string> violations() const;
     std::vector<std::string> requests() const;
 

@@ -4,7 +4,6 @@
 
 #include <chrono>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -37,12 +36,10 @@ struct Timing {
 
 /// Everything that can be set about a simulation. The defaults are a sound pair of units on an unlimited line.
 struct Options {
-    std::string model = "SV-IFU16";               ///< model name of the interface unit, up to 16 characters
-    std::optional<std::string> interfaceVersion;  ///< up to 6 characters; otherwise that of the firmware
-    std::optional<std::uint16_t> typeNumber;      ///< of the amplifier; otherwise that of the firmware
-    std::uint8_t kind = 0x0A;                     ///< kind of the amplifier
-    std::string status = "00";                    ///< two status characters
-    unsigned sensors = 1;                         ///< connected amplifiers, 0..99
+    std::string model = "SV-IFU16";  ///< model name of the interface unit, up to 16 characters
+    std::uint8_t kind = 0x0A;        ///< kind of the amplifier
+    std::string status = "00";       ///< two status characters
+    unsigned sensors = 1;            ///< connected amplifiers, 0..99
 
     Bytes amplifierFirmware;    ///< empty, or an image to start with
     Bytes interfaceFirmware;    ///< likewise
@@ -55,7 +52,6 @@ struct Options {
     unsigned rate = 0;                           ///< bits a second, ten bits a byte; 0: unlimited
     std::chrono::milliseconds answerLatency{0};  ///< holds back every answer
     LineState lineState = LineState::raw;
-    Bytes stale;               ///< bytes waiting in the port before the client opens it
     unsigned expectSpeed = 0;  ///< the client must have set this speed, 8N1, no echo; 0: not looked at
     std::string link;          ///< symbolic link to the port, replaces only another link; empty: none
 

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
+#include <sys/inotify.h>
 #include <sys/ioctl.h>
 #include <system_error>
 #include <termios.h>
@@ -36,13 +37,6 @@ void makeHostile(int descriptor) {
     tcsetattr(descriptor, TCSANOW, &settings);
 }
 
-/// Looks at the condition until it holds, for two seconds at most.
-template <typename Condition>
-void waitUntil(Condition condition) {
-    for (int tries = 0; tries < 400 && !condition(); ++tries)
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-}
-
 unsigned bitsPerSecond(speed_t speed) {
     struct Speed {
         speed_t code;
@@ -68,12 +62,8 @@ unsigned bitsPerSecond(speed_t speed) {
 // Delegates, so that the destructor closes what is open if something later fails.
 Pty::Pty(const Options& options) : Pty() {
     openBoth();
-    termios fresh{};
-    tcgetattr(slave_, &fresh);
-    makeRaw(slave_);
-    leaveWaiting(options.stale);
-    if (options.lineState == LineState::fresh)
-        tcsetattr(slave_, TCSANOW, &fresh);
+    if (options.lineState == LineState::raw)
+        makeRaw(slave_);
     if (options.lineState == LineState::hostile)
         makeHostile(slave_);
     if (!options.link.empty())
@@ -87,6 +77,16 @@ Bytes Pty::read(std::size_t limit) {
     const ssize_t count = ::read(master_, bytes.data(), bytes.size());
     bytes.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
     return bytes;
+}
+
+void Pty::forgetClient() {
+    std::array<char, 4096> events{};
+    while (::read(closings_, events.data(), events.size()) > 0)
+        continue;
+    // A serial port forgets the mark at its last close, and that never comes here, because slave_ stays open. Another
+    // client that has the port open at this moment loses its mark too; the mark is no more than advice, which
+    // privileged users do not heed, and clients lock the port besides.
+    ioctl(slave_, TIOCNXCL);
 }
 
 std::size_t Pty::write(std::span<const std::uint8_t> bytes) {
@@ -128,7 +128,7 @@ void Pty::closeAll() {
     if (!link_.empty())
         unlink(link_.c_str());
     link_.clear();
-    for (int* descriptor : {&slave_, &master_}) {
+    for (int* descriptor : {&closings_, &slave_, &master_}) {
         if (*descriptor >= 0)
             close(*descriptor);
         *descriptor = -1;
@@ -146,23 +146,17 @@ void Pty::openBoth() {
     slave_ = open(port_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
     if (slave_ < 0)
         fail("cannot open " + port_);
-}
-
-void Pty::leaveWaiting(const Bytes& bytes) {
-    // They must have arrived before the settings change, or they would be echoed.
-    const auto size = static_cast<int>(write(bytes));
-    waitUntil([this, size] { return waitingBytes() >= size; });
-}
-
-int Pty::waitingBytes() const {
-    int waiting = 0;
-    return ioctl(slave_, FIONREAD, &waiting) == 0 ? waiting : 0;
+    // Not worth failing for: without it a mark of exclusive use may stay.
+    closings_ = inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
+    inotify_add_watch(closings_, port_.c_str(), IN_CLOSE);
 }
 
 void Pty::waitUntilRead() const {
     // What has just been written takes a moment to arrive at the near end, where it is counted.
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    waitUntil([this] { return waitingBytes() == 0; });
+    int waiting = 0;
+    for (int tries = 0; tries < 400 && ioctl(slave_, FIONREAD, &waiting) == 0 && waiting > 0; ++tries)
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
 }
 
 }  // namespace units

@@ -25,6 +25,12 @@ public:
     /// Descriptor to wait on; -1 once unplugged.
     int descriptor() const { return master_; }
 
+    /// Readable when someone has closed the near end; -1 once unplugged or if that cannot be watched.
+    int closings() const { return closings_; }
+
+    /// Takes note of those who have closed the near end: the port is no longer in exclusive use.
+    void forgetClient();
+
     /// What the client has sent, at most `limit` bytes; empty if there is nothing now.
     Bytes read(std::size_t limit);
 
@@ -43,12 +49,11 @@ private:
     void openBoth();
     void makeLink(const std::string& path);
     void closeAll();
-    void leaveWaiting(const Bytes& bytes);
-    int waitingBytes() const;
     void waitUntilRead() const;
 
     int master_ = -1;
     int slave_ = -1;
+    int closings_ = -1;
     std::string port_;
     std::string link_;
 };

@@ -1,7 +1,5 @@
 #include "simulator/simulator.h"
 
-#include <stdexcept>
-
 namespace units {
 
 Simulator::Simulator(const Options& options)

@@ -30,8 +30,6 @@ public:
     /// Path of the port for the client to open.
     const std::string& port() const { return engine_.port(); }
 
-    std::vector<std::string> journal() const { return journal_.lines(); }
-
     /// How the client broke the format or order of the conversation; empty if it did not.
     std::vector<std::string> violations() const { return journal_.violations(); }
 
@@ -43,9 +41,6 @@ public:
 
     Bytes firmware(Unit unit) const { return devices_.firmware(unit); }
 
-    /// Number of images accepted by both units together.
-    unsigned downloads() const { return devices_.installs(); }
-
     /// Time from the first byte of the first packet to the end of the last image accepted.
     std::optional<Time> downloadTime() const { return engine_.downloadTime(); }
 
@@ -54,15 +49,8 @@ public:
         return journal_.waitFor(text, timeout);
     }
 
-    /// Waits until every request that has arrived is answered and no transfer is under way; false if that takes longer
-    /// than the time.
-    bool waitIdle(std::chrono::milliseconds timeout) { return engine_.waitIdle(timeout); }
-
     /// Whether the one download of a receive-only simulation is over, successful or not.
     bool finished() const { return engine_.finished(); }
-
-    /// Hangs up for good. Not after stop().
-    void unplug() { engine_.unplug(); }
 
     /// Ends the service. The port stays open until destruction.
     void stop();

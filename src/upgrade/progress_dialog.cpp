@@ -35,7 +35,8 @@ frmWait::frmWait(QWidget& owner)
     // Enter must not cancel by accident what takes minutes.
     cmdCancel->setAutoDefault(false);
     prbComm->setAlignment(Qt::AlignCenter);
-    refresh_.setInterval(std::chrono::milliseconds(100));
+    // Often enough for the eye; each painting costs time that the transfer could use.
+    refresh_.setInterval(std::chrono::milliseconds(500));
     refresh_.callOnTimeout([this] { refresh(); });
     connect(cmdCancel, &QPushButton::clicked, this, [this] { cmdCancel_Click(); });
     subApplyLanguage(objectName());
