@@ -29,6 +29,12 @@ void falsify(Reply& reply, const ActiveFaults& faults) {
     }
 }
 
+Reply refusal(Reply reply, const char* response) {
+    reply.endCode = "0F";
+    reply.response = response;
+    return reply;
+}
+
 std::string describe(const Reply& reply) {
     return "reply " + reply.command + ", end code " + reply.endCode + ", response " + reply.response + ", data '" +
            printable(std::string(reply.data.begin(), reply.data.end())) + "'";
@@ -76,7 +82,7 @@ Script CommandMachine::answer(const std::string& command, Time now) {
         return {};
     falsify(reply, faults);
     if (transfer_)
-        transfer_->unsure = !faults.empty();
+        startUnsure_ = transfer_->unsure = !faults.empty();
     Script script = shape(encode(reply), faults);
     journal_.sent(now, describe(reply), bytesOf(script));
     return script;
@@ -100,8 +106,12 @@ Reply CommandMachine::execute(const std::string& command, bool obey, Time now) {
 }
 
 Reply CommandMachine::operate(const Operation& operation, Reply reply, bool obey, Time now) {
-    if (const auto reason = operations_.request(operation))
+    if (const auto reason = operations_.request(operation)) {
+        // The client does not know that its first attempt has been carried out.
+        if (startUnsure_)
+            return refusal(std::move(reply), kOutOfOrder);
         return refuse(std::move(reply), kOutOfOrder, *reason, now);
+    }
     if (!obey)
         return reply;
     operations_.accept(operation);
@@ -112,9 +122,7 @@ Reply CommandMachine::operate(const Operation& operation, Reply reply, bool obey
 
 Reply CommandMachine::refuse(Reply reply, const char* response, const std::string& reason, Time now) {
     journal_.violation(now, reason);
-    reply.endCode = "0F";
-    reply.response = response;
-    return reply;
+    return refusal(std::move(reply), response);
 }
 
 }  // namespace units

@@ -50,6 +50,7 @@ private:
     Operations operations_;
     std::optional<Transfer> transfer_;
     bool cancelMayFollow_ = false;
+    bool startUnsure_ = false;  ///< the last start of a transfer was carried out, but not answered as it should be
     Time lastByte_{0};
 };
 

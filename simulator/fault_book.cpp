@@ -12,7 +12,7 @@ const Fault* ActiveFaults::find(FaultKind kind) const {
 
 bool ActiveFaults::upsetOrder() const {
     using enum FaultKind;
-    constexpr FaultKind kUpsetting[] = {delay, cut, split, splitat, repeat, noise, flood, answer};
+    constexpr FaultKind kUpsetting[] = {delay, cut, split, splitat, repeat, noise, flood, answer, unplugin};
     return std::any_of(std::begin(kUpsetting), std::end(kUpsetting), [this](FaultKind kind) { return has(kind); });
 }
 

@@ -85,8 +85,10 @@ int TransferSteps::receiveSecondEot() {
 
 int TransferSteps::closeRead() {
     fncEndTransfer();
-    if (!screen_.isVerifyTicked())
+    if (!screen_.isVerifyTicked()) {
         showMessageBox(literalText(u"Succeed", u"正常終了"), kInformation, literalText(u"Dravolt", u"ドラボルト"));
+        screen_.setDefaultCursor();
+    }
     return kIdleAfterRead;
 }
 

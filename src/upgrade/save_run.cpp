@@ -6,8 +6,10 @@
 void frmMain::cmdPresent_Click() {
     if (isBusy())
         return;
-    if (!runTrapped([this] { startSave(); }))
+    if (!runTrapped([this] { startSave(); })) {
         enableWindow();
+        setDefaultCursor();
+    }
 }
 
 /// The timer `CommTimer` drives the steps that follow.

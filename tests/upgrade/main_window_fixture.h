@@ -31,7 +31,6 @@ protected:
         gFileVersion.clear();
         gLoadFileName.clear();
         gTransferState = kIdleAfterWrite;
-        gWaits.packetAnswer = 100ms;
         gWaits.tick = 1ms;
         gWaits.verificationPause = 20ms;
         window.createHidden();

@@ -158,20 +158,3 @@ TEST_F(MainWindowTest, ADryRunSendsNothingAfterTheCheck) {
     EXPECT_EQ(requests().size(), 1U);
     EXPECT_TRUE(window.isEnabled());
 }
-
-TEST_F(MainWindowTest, AfterAFailedSendTheNextUpgradeWorksWithoutARestart) {
-    writeImage("amp.bin", "AMPKEY", 13500);
-    unitsWith({"nak@packet500*10"});
-    load("amp.bin");
-    upgrade();
-    EXPECT_EQ(user.texts(),
-              QStringList({"Application error. / RES : Block 500 of 1920: sent 10 times; the unit refused "
-                           "it (NAK)",
-                           "Failed"}));
-    EXPECT_EQ(row(0), "AMP-A 0.500") << "a failed send changes no version";
-    EXPECT_TRUE(window.isEnabled());
-    EXPECT_EQ(progressDialog(), nullptr);
-    upgrade();
-    EXPECT_EQ(user.texts().back(), "Succeed");
-    EXPECT_TRUE(unitHolds("amp.bin", units::Unit::amplifier));
-}
