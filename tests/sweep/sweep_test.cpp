@@ -1,6 +1,7 @@
 /// A whole session of the program, from its start to the end of a write or a save, again and again: once for every
 /// place in the conversation and every fault that can happen there. Whatever goes wrong, what must hold holds.
 #include "app/startup_form.h"
+#include "sweep/fault_kinds.h"
 #include "upgrade/main_window_fixture.h"
 
 #include <QComboBox>
@@ -49,37 +50,10 @@ const Place kPlaces[] = {
     {Work::save, "300553010000"},
 };
 
-using Kinds = std::vector<std::string>;
-
-/// What can happen at a place. "delay:400" is later than the program waits anywhere in these sessions.
-const Kinds& kindsAt(std::string_view where) {
-    static const Kinds kCommand{"silence",       "lost",         "delay:20", "delay:400", "bcc",
-                                "garble",        "cut:3",        "cut:12",   "repeat",    "endcode:11",
-                                "response:2203", "noise:00ff39", "unplug",   "unplugin",  "unplugafter"};
-    static const Kinds kStart{"lost", "delay:20", "answer:39", "repeat", "can:2", "noise:39", "unplug", "unplugafter"};
-    static const Kinds kPacket{"silence", "lost",  "delay:20", "delay:400", "answer:39", "repeat",
-                               "nak",     "can:2", "noise:39", "unplug",    "unplugin",  "unplugafter"};
-    static const Kinds kEot{"silence", "lost",  "delay:20", "delay:400", "answer:39",  "repeat",
-                            "nak",     "can:2", "noise:39", "unplug",    "unplugafter"};
-    static const Kinds kBlock{"lost",   "delay:20", "delay:400", "bcc",    "garble",   "cut:70",     "number:77",
-                              "repeat", "can:2",    "noise:39",  "unplug", "unplugin", "unplugafter"};
-    static const Kinds kUploadEot{"lost",  "delay:20", "delay:400", "answer:39",  "repeat",
-                                  "can:2", "noise:39", "unplug",    "unplugafter"};
-    if (where == "start")
-        return kStart;
-    if (where == "eot")
-        return kEot;
-    if (where.starts_with("eot"))
-        return kUploadEot;
-    if (where.starts_with("packet"))
-        return kPacket;
-    return where.starts_with("block") ? kBlock : kCommand;
-}
-
 /// The faults of a place: each kind once and, where the line is still there then, each time.
-Kinds faultsAt(std::string_view where) {
-    Kinds faults;
-    for (const std::string& kind : kindsAt(where)) {
+FaultKinds faultsAt(std::string_view where) {
+    FaultKinds faults;
+    for (const std::string& kind : faultKindsAt(where)) {
         faults.push_back(kind + "@" + std::string(where));
         if (!kind.starts_with("unplug"))
             faults.push_back(faults.back() + "*all");

@@ -11,7 +11,7 @@ class ReadTest : public TransferTest {
 protected:
     ReadTest() {
         gSaveFileName = file("saved.bin");
-        gWaits.readSilence = 150ms;
+        gWaits.readSilence = 400ms;
         options.uploadBlocks = 9;
     }
 

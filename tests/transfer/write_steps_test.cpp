@@ -103,7 +103,7 @@ TEST_F(TransferTest, ARefusedStartIsTriedThreeTimesThenClosed) {
     const QString failed51 = "Application error. / RES : The unit did not carry out command 51 in three attempts; its "
                              "last answer: ";
     const QString box1234 = "Communication error. / Application is shut down by [cancel]. / ";
-    gWaits.operationReply = 200ms;
+    gWaits.operationReply = 400ms;
     struct {
         std::vector<std::string> faults;
         std::vector<std::string> requests;
