@@ -29,19 +29,6 @@ long residentKilobytes() {
     throw std::runtime_error("no VmRSS in /proc/self/status");
 }
 
-Footprint footprint() {
-    Footprint now;
-    const auto counting = QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::awake,
-                                           [&now] { ++now.wakeUps; });
-    waitServingEvents(500ms, [] { return false; });
-    QObject::disconnect(counting);
-    now.kilobytes = residentKilobytes();
-    now.files =
-        QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
-    now.windows = QApplication::topLevelWidgets().size();
-    return now;
-}
-
 void print(const char* when, const Footprint& now) {
     std::printf("%s: %ld kB, %d descriptors, %d windows, %d wake-ups while idle\n", when, now.kilobytes,
                 static_cast<int>(now.files), static_cast<int>(now.windows), now.wakeUps);
@@ -58,6 +45,23 @@ public:
         window.showServiceControls();
     }
     void TestBody() override {}
+
+    Footprint footprint() {
+        // What belongs to the last round must not count.
+        subPortClose();
+        simulator.reset();
+        Footprint now;
+        const auto counting = QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::awake,
+                                               [&now] { ++now.wakeUps; });
+        waitServingEvents(500ms, [] { return false; });
+        QObject::disconnect(counting);
+        now.kilobytes = residentKilobytes();
+        now.files = QDir(QStringLiteral("/proc/self/fd"))
+                        .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)
+                        .size();
+        now.windows = QApplication::topLevelWidgets().size();
+        return now;
+    }
 
     /// One upgrade or save, of one unit or the other, with a fault in two of three rounds.
     void round() {
@@ -146,10 +150,10 @@ int main(int argc, char* argv[]) {
     Footprint before;
     for (int i = 0; i < rounds + kWarmUp; ++i) {
         if (i == kWarmUp)
-            before = footprint();
+            before = soak.footprint();
         soak.round();
     }
-    const Footprint after = footprint();
+    const Footprint after = soak.footprint();
     print("after 20 rounds", before);
     print("at the end", after);
     std::printf("%d rounds with seed %u: %d succeeded, %d failed\n", rounds + kWarmUp, seed, soak.succeeded,
