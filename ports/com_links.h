@@ -1,0 +1,42 @@
+/// The links com<n> beside the programs, by which a COM port number stands for a device.
+#pragma once
+
+#include "ports/machine.h"
+
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace ports {
+
+/// The programs offer COM1 to this one.
+inline constexpr int kMostPorts = 16;
+
+struct ComLink {
+    int number = 0;                ///< n of com<n>
+    std::filesystem::path target;  ///< what the link says
+    std::filesystem::path device;  ///< the file that it leads to; empty: there is none
+};
+
+/// A link could not be made or removed; says why in the user's language.
+class Refusal : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// The links COM1 to COM16 that are there.
+std::vector<ComLink> comLinks(const Machine& machine);
+
+/// Makes com<number> a link to `device`, or to the stable name of that device, in the place of the link that was there.
+///
+/// @param device  a serial device or pseudo-terminal: its name in /dev, or any path to it; a path in /dev/serial is
+/// kept
+/// @return what the link says
+/// @throws Refusal  `device` is none, or the link cannot be made
+std::filesystem::path setComLink(const Machine& machine, int number, const std::string& device);
+
+/// @throws Refusal  there is no such link, or it cannot be removed
+void removeComLink(const Machine& machine, int number);
+
+}  // namespace ports

@@ -1,0 +1,16 @@
+/// The commands of dravolt-ports.
+#pragma once
+
+#include "ports/machine.h"
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace ports {
+
+/// Does what the arguments say.
+/// @return exit status: 0 done; 1 not done, or no device that this user may open; 2 wrong arguments
+int run(const Machine& machine, const std::vector<std::string>& arguments, std::ostream& out, std::ostream& error);
+
+}  // namespace ports

@@ -1,0 +1,14 @@
+/// Where everything is looked for.
+#pragma once
+
+#include <filesystem>
+
+namespace ports {
+
+/// The machine whose ports are shown. Tests make one of their own.
+struct Machine {
+    std::filesystem::path root = "/";  ///< what lies in sys, dev, proc and run below it is looked at
+    std::filesystem::path folder;      ///< folder of the programs, with the links com<n>
+};
+
+}  // namespace ports

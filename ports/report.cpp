@@ -1,0 +1,165 @@
+#include "ports/report.h"
+
+#include "ports/access.h"
+#include "ports/com_links.h"
+#include "ports/language.h"
+#include "ports/processes.h"
+#include "ports/serial_devices.h"
+
+#include <algorithm>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace ports {
+
+namespace {
+
+constexpr Text kBuiltIn{"serial port of this computer", "本体のシリアルポート"};
+constexpr Text kDriver{", driver %1", "、ドライバー %1"};
+constexpr Text kSerialNumber{", serial number %1", "、製造番号 %1"};
+constexpr Text kStableName{"stable name %1", "固定名 %1"};
+constexpr Text kInUse{"in use by %1 (process %2)", "使用中: %1 (プロセス %2)"};
+constexpr Text kNotSeenInUse{"not in use, as far as user %1 can see",
+                             "使用中のプログラムは見つかりません (ユーザー %1)"};
+constexpr Text kMayOpen{"you may open it", "開くことができます"};
+constexpr Text kMayNotOpen{"you may not open it", "開く権限がありません"};
+constexpr Text kWithoutLink{"COM%1 without a link", "リンクなしで COM%1"};
+
+constexpr Text kLinks{"COM links in %1:", "%1 の COM リンク:"};
+constexpr Text kNoLinks{"none", "なし"};
+constexpr Text kLeadsNowhere{"COM%1 -> %2 (not plugged in)", "COM%1 -> %2 (接続されていません)"};
+constexpr Text kLeadsTo{"COM%1 -> %2", "COM%1 -> %2"};
+
+constexpr Text kMissing{"What is missing:", "不足しているもの:"};
+constexpr Text kNoDevice{
+    "There is no serial device. Plug the adapter in; \"sudo dmesg\" shows whether it is recognised.",
+    "シリアルデバイスがありません。アダプターを接続してください。認識されたかどうかは "
+    "\"sudo dmesg\" で確認できます。"};
+constexpr Text kNotInGroup{
+    "%1: only members of the group %2 may use it. Add yourself with \"sudo adduser %3 %2\", then log out and in again.",
+    "%1: 使用できるのはグループ %2 のメンバーだけです。\"sudo adduser %3 %2\" "
+    "で追加し、ログインし直してください。"};
+constexpr Text kLoginAgain{"%1: you are in the group %2, but not yet in this session. Log out and in again.",
+                           "%1: グループ %2 に追加されていますが、このセッションではまだ有効ではありません。"
+                           "ログインし直してください。"};
+constexpr Text kDenied{"%1: %2 may not use it; ask whoever runs this computer.",
+                       "%1: ユーザー %2 は使用できません。管理者に相談してください。"};
+constexpr Text kModemManager{
+    "ModemManager is running and may send modem commands to %1. Link it as a COM port, then plug it out and in: the "
+    "installed package keeps ModemManager away from linked adapters.",
+    "ModemManager が動作しており、%1 にモデムコマンドを送る可能性があります。COM "
+    "ポートとしてリンクし、アダプターを抜き差ししてください。インストールされたパッケージが、リンクされたアダプターを "
+    "ModemManager から保護します。"};
+constexpr Text kBrltty{
+    "The braille service brltty is running; it takes some adapters for braille displays. If an adapter is "
+    "not listed, end it with \"sudo systemctl stop brltty\".",
+    "点字サービス brltty が動作しています。一部のアダプターを点字ディスプレイとして占有します。"
+    "アダプターが表示されない場合は \"sudo systemctl stop brltty\" で停止してください。"};
+
+/// Says what keeps the user from the file; nothing if nothing does.
+void explain(const fs::path& file, std::set<std::string>& missing) {
+    const Access access = accessTo(file);
+    switch (access.kind) {
+    case Access::Kind::granted:
+        return;
+    case Access::Kind::notInGroup:
+        missing.insert(said(kNotInGroup, {file, access.group, userName()}));
+        return;
+    case Access::Kind::loginAgain:
+        missing.insert(said(kLoginAgain, {file, access.group}));
+        return;
+    case Access::Kind::denied:
+        missing.insert(said(kDenied, {file, userName()}));
+    }
+}
+
+bool mayOpen(const SerialDevice& device) { return accessTo(device.node).kind == Access::Kind::granted; }
+
+/// The COM ports that the device is: by links, or as the one that a built-in port is without a link.
+std::string portsOf(const SerialDevice& device, const std::vector<ComLink>& links) {
+    std::string ports;
+    for (const ComLink& link : links)
+        if (link.device == endOf(device.node))
+            ports += "  COM" + std::to_string(link.number);
+    for (int number = 1; number <= kMostPorts; ++number)
+        if (device.name == "ttyS" + std::to_string(number - 1) &&
+            std::none_of(links.begin(), links.end(), [&](const ComLink& link) { return link.number == number; }))
+            ports += "  " + said(kWithoutLink, {std::to_string(number)});
+    return ports;
+}
+
+void list(const Machine& machine, const SerialDevice& device, const std::vector<ComLink>& links, std::ostream& out) {
+    const std::string indent = "\n    ";
+    out << device.node.string() << portsOf(device, links);
+    out << indent << (device.description.empty() ? said(kBuiltIn) : device.description);
+    if (!device.driver.empty())
+        out << said(kDriver, {device.driver});
+    if (!device.serialNumber.empty())
+        out << said(kSerialNumber, {device.serialNumber});
+    if (!device.stableName.empty())
+        out << indent << said(kStableName, {device.stableName});
+    const std::vector<Process> holders = holdersOf(machine, device.node);
+    for (const Process& holder : holders)
+        out << indent << said(kInUse, {holder.name, std::to_string(holder.number)});
+    if (holders.empty())
+        out << indent << said(kNotSeenInUse, {userName()});
+    out << indent << said(mayOpen(device) ? kMayOpen : kMayNotOpen) << "\n\n";
+}
+
+void list(const Machine& machine, const std::vector<ComLink>& links, std::ostream& out) {
+    out << said(kLinks, {machine.folder}) << '\n';
+    for (const ComLink& link : links)
+        out << "    "
+            << said(link.device.empty() ? kLeadsNowhere : kLeadsTo, {std::to_string(link.number), link.target}) << '\n';
+    if (links.empty())
+        out << "    " << said(kNoLinks) << '\n';
+}
+
+void list(const std::set<std::string>& missing, std::ostream& out) {
+    if (missing.empty())
+        return;
+    out << '\n' << said(kMissing) << '\n';
+    for (const std::string& one : missing)
+        out << "  - " << one << '\n';
+}
+
+std::set<std::string> missingFor(const Machine& machine, const std::vector<SerialDevice>& devices) {
+    std::set<std::string> missing;
+    if (devices.empty())
+        missing.insert(said(kNoDevice));
+    const bool modemManager = isRunning(machine, "ModemManager");
+    for (const SerialDevice& device : devices) {
+        explain(device.node, missing);
+        // It leaves built-in ports alone.
+        if (modemManager && !device.description.empty() && !device.keptFromModemManager)
+            missing.insert(said(kModemManager, {device.node}));
+    }
+    if (isRunning(machine, "brltty"))
+        missing.insert(said(kBrltty));
+    explain(machine.folder, missing);
+    return missing;
+}
+
+}  // namespace
+
+bool report(const Machine& machine, std::ostream& out) {
+    const std::vector<SerialDevice> devices = serialDevices(machine);
+    const std::vector<ComLink> links = comLinks(machine);
+    for (const SerialDevice& device : devices)
+        list(machine, device, links, out);
+    list(machine, links, out);
+    list(missingFor(machine, devices), out);
+    return std::any_of(devices.begin(), devices.end(), mayOpen);
+}
+
+void explainFolder(const Machine& machine, std::ostream& out) {
+    std::set<std::string> missing;
+    explain(machine.folder, missing);
+    for (const std::string& one : missing)
+        out << one << '\n';
+}
+
+}  // namespace ports

@@ -1,0 +1,17 @@
+/// The list of devices and links, and what is missing.
+#pragma once
+
+#include "ports/machine.h"
+
+#include <ostream>
+
+namespace ports {
+
+/// Writes the list, and what keeps this user from working with a device.
+/// @return whether there is a device that this user may open
+bool report(const Machine& machine, std::ostream& out);
+
+/// Writes why this user cannot make links in the programs' folder; nothing if he can.
+void explainFolder(const Machine& machine, std::ostream& out);
+
+}  // namespace ports

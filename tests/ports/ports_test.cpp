@@ -1,0 +1,195 @@
+#include "ports/access.h"
+#include "ports/command_line.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iomanip>
+#include <pty.h>
+#include <sstream>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace ports::test {
+
+/// A machine with a built-in port, one that exists in name only, and an adapter with two ports: the second, ttyUSB10,
+/// has a driver, a stable name and a real pseudo-terminal behind it.
+class Ports : public ::testing::Test {
+protected:
+    Ports() {
+        for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"})
+            ::unsetenv(variable);
+        const std::string board = "sys/devices/00:05", usb = "sys/devices/usb1/1-1";
+        const std::string usbPort = usb + "/1-1:1.1/ttyUSB10", builtInPort = board + "/00:05:0/00:05:0.0";
+        write(usb + "/manufacturer", "FTDI");
+        write(usb + "/product", "USB UART");
+        write(usb + "/serial", "A5");
+        write(usb + "/idVendor", "0403");
+        write(usb + "/idProduct", "6001");
+        link("sys/bus/usb-serial/drivers/ftdi_sio", usbPort + "/driver");
+        link("sys/bus/serial-base/drivers/port", builtInPort + "/driver");
+        link("sys/bus/pnp/drivers/serial", board + "/driver");
+        device("ttyS0", builtInPort, "4");
+        device("ttyS1", builtInPort, "0");
+        device("ttyUSB9", usb + "/1-1:1.0", "");
+        device("ttyUSB10", usbPort, "");
+        write("sys/class/tty/ttyUSB10/dev", "188:10");
+        write("sys/class/tty/tty0/dev", "4:0");
+        EXPECT_EQ(::openpty(&master_, &slave_, nullptr, nullptr, nullptr), 0);
+        fs::remove(root / "dev/ttyUSB10");
+        fs::create_symlink(::ttyname(slave_), root / "dev/ttyUSB10");
+        link("dev/ttyUSB10", kStable);
+        fs::create_directories(machine.folder);
+    }
+
+    ~Ports() override {
+        ::close(slave_);
+        ::close(master_);
+        fs::remove_all(root);
+    }
+
+    void write(const fs::path& file, const std::string& text) const {
+        fs::create_directories((root / file).parent_path());
+        std::ofstream(root / file) << text << '\n';
+    }
+
+    void link(const fs::path& target, const fs::path& name) const {
+        fs::create_directories((root / name).parent_path());
+        fs::create_symlink(root / target, root / name);
+    }
+
+    void device(const std::string& name, const fs::path& hardware, const std::string& type) const {
+        fs::create_directories(root / hardware);
+        link(hardware, "sys/class/tty/" + name + "/device");
+        write("sys/class/tty/" + name + "/type", type);
+        write("dev/" + name, "");
+    }
+
+    /// The exit status; what was written is in `output`, without the folder of this run.
+    int run(const std::vector<std::string>& arguments) {
+        std::ostringstream out;
+        const int status = ports::run(machine, arguments, out, out);
+        output = out.str();
+        for (std::size_t at = 0; (at = output.find(root)) != std::string::npos;)
+            output.erase(at, root.string().size());
+        return status;
+    }
+
+    static constexpr const char* kStable = "dev/serial/by-id/usb-FTDI-A5-if01-port0";
+    const fs::path root = fs::path(::testing::TempDir()) / ("ports_" + std::to_string(::getpid()));
+    const Machine machine{root, root / "programs"};
+    std::string output;
+
+private:
+    int master_ = -1;
+    int slave_ = -1;
+};
+
+TEST_F(Ports, AreListedAsTheKernelDescribesThem) {
+    fs::create_symlink("/proc", root / "proc");
+    link(kStable, "programs/com2");
+    link("dev/ttyUSB7", "programs/com16");
+    EXPECT_EQ(run({}), 0);
+    const std::string nobody = "    not in use, as far as user " + userName() + " can see\n";
+    EXPECT_EQ(output, "/dev/ttyS0  COM1 without a link\n"
+                      "    serial port of this computer, driver serial\n" +
+                          nobody +
+                          "    you may open it\n\n"
+                          "/dev/ttyUSB9\n"
+                          "    FTDI USB UART [0403:6001], serial number A5\n" +
+                          nobody +
+                          "    you may open it\n\n"
+                          "/dev/ttyUSB10  COM2\n"
+                          "    FTDI USB UART [0403:6001], driver ftdi_sio, serial number A5\n"
+                          "    stable name /dev/serial/by-id/usb-FTDI-A5-if01-port0\n"
+                          "    in use by ports_test (process " +
+                          std::to_string(::getpid()) +
+                          ")\n"
+                          "    you may open it\n\n"
+                          "COM links in /programs:\n"
+                          "    COM2 -> /dev/serial/by-id/usb-FTDI-A5-if01-port0\n"
+                          "    COM16 -> /dev/ttyUSB7 (not plugged in)\n");
+}
+
+TEST_F(Ports, ShowWhoHoldsALockAndWhichServicesMayDisturb) {
+    struct stat node {};
+    ASSERT_EQ(::stat((root / "dev/ttyUSB10").c_str(), &node), 0);
+    std::ostringstream lock;
+    lock << "1: FLOCK  ADVISORY  WRITE 4321 " << std::hex << std::setfill('0') << std::setw(2) << major(node.st_dev)
+         << ':' << std::setw(2) << minor(node.st_dev) << ':' << std::dec << node.st_ino << " 0 EOF";
+    write("proc/locks", lock.str());
+    write("proc/4321/comm", "minicom");
+    write("proc/17/comm", "ModemManager");
+    write("proc/18/comm", "brltty");
+    write("run/udev/data/c188:10", "E:ID_MM_PORT_IGNORE=1");
+    EXPECT_EQ(run({}), 0);
+    EXPECT_NE(output.find("in use by minicom (process 4321)"), std::string::npos) << output;
+    EXPECT_NE(output.find("may send modem commands to /dev/ttyUSB9"), std::string::npos) << output;
+    EXPECT_EQ(output.find("may send modem commands to /dev/ttyUSB10"), std::string::npos) << output;
+    EXPECT_EQ(output.find("may send modem commands to /dev/ttyS0"), std::string::npos) << output;
+    EXPECT_NE(output.find("brltty is running"), std::string::npos) << output;
+    for (const char* japanese : {"LANG=ja_JP.UTF-8", "LC_ALL=ja"}) {
+        ::putenv(const_cast<char*>(japanese));
+        run({});
+        EXPECT_NE(output.find("点字サービス brltty が動作しています"), std::string::npos) << output;
+        ::putenv(const_cast<char*>("LANG=en_GB.UTF-8"));
+    }
+}
+
+TEST_F(Ports, AreLinkedByTheirStableNames) {
+    write("programs/com4", "a file of the user's");
+    const std::string terminal = fs::read_symlink(root / "dev/ttyUSB10");
+    const std::string other = root / "dev/ttyUSB9", byPlace = root / "dev/serial/by-path/pci-1";
+    link("dev/ttyUSB10", "dev/serial/by-path/pci-1");
+    const std::string stable = root / kStable;
+    struct {
+        std::vector<std::string> arguments;
+        int status;
+        std::string com3;  ///< where the link of COM3 leads then; empty: it is not there
+    } const steps[] = {
+        {{"remove", "3"}, 1, ""},
+        {{"set", "3", "ttyUSB9"}, 0, other},
+        {{"set", "3", terminal}, 0, stable},
+        {{"set", "3", "ttyUSB7"}, 1, stable},
+        {{"set", "3", "/dev/null"}, 1, stable},
+        {{"set", "4", "ttyUSB9"}, 1, stable},
+        {{"remove", "4"}, 1, stable},
+        {{"set", "0", "ttyUSB9"}, 2, stable},
+        {{"set", "17", "ttyUSB9"}, 2, stable},
+        {{"set", "3x", "ttyUSB9"}, 2, stable},
+        {{"set", "3"}, 2, stable},
+        {{"unset", "3"}, 2, stable},
+        {{"set", "3", byPlace}, 0, byPlace},
+        {{"remove", "3"}, 0, ""},
+    };
+    for (const auto& step : steps) {
+        EXPECT_EQ(run(step.arguments), step.status) << step.arguments[0] << ' ' << output;
+        std::error_code none;
+        EXPECT_EQ(fs::read_symlink(machine.folder / "com3", none), step.com3) << step.arguments[0] << ' ' << output;
+    }
+    EXPECT_TRUE(fs::is_regular_file(machine.folder / "com4"));
+}
+
+TEST_F(Ports, SayWhatTheUserMayNotDo) {
+    fs::remove_all(root / "sys/class/tty");
+    EXPECT_EQ(run({}), 1);
+    EXPECT_NE(output.find("There is no serial device"), std::string::npos) << output;
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only root can give the folder to another group";
+    constexpr gid_t kDialout = 20;
+    ASSERT_EQ(::chown(machine.folder.c_str(), 0, kDialout), 0);
+    fs::permissions(machine.folder, fs::perms(0775));
+    ASSERT_EQ(::seteuid(65534), 0);
+    const int status = run({"set", "1", fs::read_symlink(root / "dev/ttyUSB10")});
+    ASSERT_EQ(::seteuid(0), 0);
+    EXPECT_EQ(status, 1);
+    EXPECT_NE(output.find("/programs: only members of the group dialout may use it. Add yourself with \"sudo adduser "
+                          "nobody dialout\""),
+              std::string::npos)
+        << output;
+}
+
+}  // namespace ports::test
