@@ -7,13 +7,26 @@
 #include "upgrade/main_window.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QIcon>
 
 #include <cstdlib>
+
+/// The icon of the program that runs; each carries its own under the same name.
+static QIcon programIcon() {
+    QIcon icon;
+    const QFileInfoList pictures = QDir(QStringLiteral(":/icon")).entryInfoList();
+    for (const QFileInfo& picture : pictures)
+        icon.addFile(picture.filePath());
+    return icon;
+}
 
 int runProgram(int argc, char* argv[], Edition edition) {
     QApplication application(argc, argv);
     // Forms come and go; only endProgram() ends the program.
     QApplication::setQuitOnLastWindowClosed(false);
+    QGuiApplication::setDesktopFileName(QCoreApplication::applicationName());
+    QGuiApplication::setWindowIcon(programIcon());
     setProgramFolder(QCoreApplication::applicationDirPath());
     setProgramEnd([] {
         subPortClose();

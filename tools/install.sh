@@ -30,6 +30,7 @@ need_build() {
     need "to build" g++ cmake ninja-build pkg-config
     need "for the windows (Qt 6 and its Japanese texts)" qt6-base-dev qt6-translations-l10n
     need "to read INI files" libsimpleini-dev
+    need "to make the icons from their drawings" librsvg2-bin
 }
 
 need_fonts() { need "for Latin and Japanese text" fonts-liberation fonts-ipafont-gothic; }
