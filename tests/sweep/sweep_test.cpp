@@ -68,7 +68,9 @@ public:
         gWaits.reply = gWaits.exchangeMark = 100ms;
         gWaits.operationReply = 150ms;
         gWaits.transferStart = 600ms;
-        gWaits.packetAnswer = 150ms;
+        // A busy machine can be late itself: no shorter a wait than the fault asks for.
+        if (fault.find("@packet") != std::string::npos || fault.find("@eot") != std::string::npos)
+            gWaits.packetAnswer = 150ms;
         gWaits.readSilence = 200ms;
         writeFile("Setting.INI", "[OPERATION]\nLanguage=ENGLISH\n[IFU]\nCOM=1\n");
         writeFile("TYPE.INI", readFile("TYPE.INI") + "[IFU_TYPE]\nSV-IFU16=D\n");
@@ -111,7 +113,9 @@ public:
             save("saved.bin");
         }
         expectUsableWindow();
-        return user.said().contains("Succeed");
+        const QStringList said = user.said();
+        EXPECT_NE(said.contains("Succeed"), said.contains("Failed")) << "each run says how it went, once";
+        return said.contains("Succeed");
     }
 
     /// Whether the work has come to its end: the image is in the unit, or the firmware in the file.
@@ -206,7 +210,9 @@ void Sweep::recover(Session& session, Work work, const std::string& fault) {
     if (fault.ends_with("*all"))
         return;
     if (!fault.starts_with("unplug")) {
-        EXPECT_TRUE(session.hasEnded() || (entered && session.work() && session.isDone()));
+        // What was late the first time may still be on the line the second time.
+        const auto works = [&session] { return session.work() && session.isDone(); };
+        EXPECT_TRUE(session.hasEnded() || (entered && (works() || works())));
     } else if (!entered) {
         session.plug({});
         EXPECT_TRUE(session.enter()) << "the cable is back";

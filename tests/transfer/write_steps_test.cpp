@@ -4,7 +4,6 @@
 #include "transfer/response_codes.h"
 #include "transfer/transfer_fixture.h"
 
-#include <QElapsedTimer>
 #include <QTimer>
 
 static const QStringList kWholeRun{"progress", "timer on", "timer off", "unload", "enable", "cursor", "version"};
@@ -125,32 +124,6 @@ TEST_F(TransferTest, ARefusedStartIsTriedThreeTimesThenClosed) {
         EXPECT_EQ(user.said(), c.said) << name;
         EXPECT_EQ(gintCommRetry, c.retryAfter) << name;
         EXPECT_EQ(screen.calls.contains("version"), c.said.back() == "Succeed") << name;
-    }
-}
-
-TEST_F(TransferTest, APulledCableIsSaidAtOnceAndTheWindowComesBack) {
-    gWaits.exchangeMark = 100ms;
-    const QString timeOut = "It is a receiving timeout error.";
-    struct {
-        const char* fault;
-        qsizetype boxes;
-        const char* last;
-    } const cases[] = {
-        {"unplug@300551", 7, "Failed"},     // three attempts of "51", the report, "54", "53", the result
-        {"unplug@packet500", 4, "Failed"},  // the report, "54", "53", the result
-        {"unplug@300554", 3, "Succeed"},    // the image was acknowledged
-    };
-    for (const auto& c : cases) {
-        unitsWith({c.fault});
-        QElapsedTimer clock;
-        clock.start();
-        EXPECT_EQ(write(), kIdleAfterWrite) << c.fault;
-        EXPECT_LT(clock.elapsed(), 3000) << c.fault;
-        const QStringList said = user.said();
-        EXPECT_EQ(said.size(), c.boxes) << c.fault << ": " << said.join("; ").toStdString();
-        EXPECT_EQ(said.back(), c.last) << c.fault;
-        EXPECT_TRUE(said.contains(timeOut)) << c.fault;
-        EXPECT_EQ(screen.calls.count("enable"), 1) << c.fault;
     }
 }
 
