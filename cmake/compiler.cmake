@@ -15,3 +15,10 @@ if(DRAVOLT_SANITIZE)
   target_compile_options(dravolt_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(dravolt_options INTERFACE -fsanitize=address,undefined)
 endif()
+
+option(DRAVOLT_FUZZ "the same sanitizers, and coverage for libFuzzer; needs Clang" OFF)
+if(DRAVOLT_FUZZ)
+  target_compile_options(dravolt_options INTERFACE
+    -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(dravolt_options INTERFACE -fsanitize=fuzzer-no-link,address,undefined)
+endif()

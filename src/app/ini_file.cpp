@@ -7,6 +7,8 @@
 #include <QFile>
 #include <QStringDecoder>
 
+#include <new>
+
 // The text is decoded before the library sees it.
 #define SI_NO_CONVERSION
 #include <SimpleIni.h>
@@ -41,12 +43,11 @@ static QByteArray readFile(const QString& path) {
     return bytes;
 }
 
-/// The first value that the file at `path` has for `key` in `section`, as it is stored.
-static QString storedValue(const QString& section, const QString& key, const QString& path) {
+QString storedValue(const QByteArray& bytes, const QString& section, const QString& key) {
     // Several values of a key are kept, because the first one holds, not the last.
     CSimpleIniA ini(/*isUtf8*/ true, /*isMultiKey*/ true);
-    if (ini.LoadData(iniText(readFile(path)).toStdString()) < 0)
-        throw RuntimeFailure(failure::kFileAccess, path);
+    if (ini.LoadData(iniText(bytes).toStdString()) < 0)
+        throw std::bad_alloc();
     CSimpleIniA::TNamesDepend values;
     ini.GetAllValues(section.toUtf8().constData(), key.toUtf8().constData(), values);
     values.sort(CSimpleIniA::Entry::LoadOrder());
@@ -55,7 +56,7 @@ static QString storedValue(const QString& section, const QString& key, const QSt
 
 QString fncGetIniString(const QString& section, const QString& key, const QString& file) {
     QString value;
-    runTrapped([&] { value = iniValue(storedValue(section, key, file)); });
+    runTrapped([&] { value = iniValue(storedValue(readFile(file), section, key)); });
     return value;
 }
 

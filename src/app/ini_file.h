@@ -25,5 +25,10 @@ int fncSplitList(QString& list);
 /// The reading rules for one value, as it stands in the file. Pure.
 QString iniValue(const QString& stored);
 
+/// The first value for `key` in `section` of the INI file with the content `bytes`, as it is stored; empty when there
+/// is none. Pure.
+/// @throws std::bad_alloc  there is no room for the content
+QString storedValue(const QByteArray& bytes, const QString& section, const QString& key);
+
 /// The text of an INI file: UTF-8 if all of `bytes` decodes as such, else CP932. Pure.
 QString iniText(const QByteArray& bytes);

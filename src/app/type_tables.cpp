@@ -17,9 +17,12 @@ static bool takeRange(int baseIndex, std::int32_t number, QString& name, std::in
         throw RuntimeFailure(failure::kSubscript, messageText(u"%1, section AMP_TYPE: an entry has no type name",
                                                               u"%1 セクション AMP_TYPE: 型名のない項目があります")
                                                       .arg(typeTableFile()));
-    offset = toInt32(number - leadingNumber(gListItems[baseIndex]));
+    const std::int32_t difference = toInt32(number - leadingNumber(gListItems[baseIndex]));
+    if (difference < 0 || difference > kLastOffset)
+        return false;
+    offset = difference;
     name = gListItems[baseIndex + 1];
-    return offset >= 0 && offset <= kLastOffset;
+    return true;
 }
 
 bool fncGetAmpType(const QString& kindKey, std::int32_t number, QString& name, std::int32_t& offset) {

@@ -12,8 +12,8 @@ QString typeTableFile();
 
 /// Looks `number` up in the ranges of the "AMP_TYPE" entry `kindKey`.
 ///
-/// @param name    out: name of the range, empty when none fits; unchanged when there is no entry
-/// @param offset  out: version in thousandths, 0 to 9999; 0 when none fits; unchanged when there is no entry
+/// @param name    out: name of the range, empty when none fits; unchanged when there is no entry, and by a failure
+/// @param offset  out: version in thousandths, 0 to 9999; 0 when none fits; unchanged likewise
 /// @return whether a range fits
 /// @throws RuntimeFailure  the entry has no second item, or a base number is too large
 bool fncGetAmpType(const QString& kindKey, std::int32_t number, QString& name, std::int32_t& offset);

@@ -18,8 +18,6 @@
 #include <unistd.h>
 #include <utility>
 
-Waits gWaits;
-
 namespace {
 
 /// Path of the device behind port `number`.

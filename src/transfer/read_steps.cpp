@@ -12,6 +12,8 @@
 
 #include <QScopedValueRollback>
 
+#include <algorithm>
+
 /// Sends one control byte to the unit.
 static void answer(char byte) {
     fncSendRaw(QByteArray(1, byte));
@@ -52,7 +54,8 @@ int TransferSteps::receive() {
     switch (fncPollReceive()) {
     case kBlock:
         subStoreBlock();
-        screen_.setProgress(gReadCount);
+        // A unit may send more than an image.
+        screen_.setProgress(std::min(gReadCount, static_cast<int>(kImageSize)));
         answer(kAck);
         return kReceivingBlocks;
     case kEotCame:

@@ -58,12 +58,11 @@ void frmMain::loadChosenImage() {
     gImageBuf.fill('\0', kImageSize + 1);
     gFileLoaded = fncBinaryFile(gLoadFileName, gImageBuf, kReadFile) == kImageSize;
     if (gFileLoaded)
-        takeImageInfo();
+        subTakeImageInfo();
     subSetAllVersion();
 }
 
-/// Display name and version of the image; an interface unit's entry wins over an amplifier's.
-void frmMain::takeImageInfo() {
+void subTakeImageInfo() {
     const QString versionWord = fncGetImageInfo(kImageVersionWord);
     QString typeKey = trimBlanks(fncGetImageInfo(kImageTypeKey).replace(QChar::Null, QLatin1Char(' ')));
     if (typeKey.isEmpty())

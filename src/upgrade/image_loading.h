@@ -11,3 +11,8 @@ extern QString gLoadFileName;
 extern QString gFileTypeName;
 /// Version text of the loaded image.
 extern QString gFileVersion;
+
+/// Sets gFileTypeName and gFileVersion from the information block in gImageBuf and the type tables; an interface unit's
+/// entry wins over an amplifier's.
+/// @throws RuntimeFailure  the amplifier's entry has no type name, or a base number that is too large
+void subTakeImageInfo();

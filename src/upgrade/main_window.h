@@ -69,7 +69,6 @@ private:
     void cmdLoading_Click();
     QString chooseFile(QFileDialog::AcceptMode mode, const QString& preset);
     void loadChosenImage();
-    void takeImageInfo();
 
     // Upgrade run
     void cmdUpgrade_Click();

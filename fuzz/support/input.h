@@ -1,0 +1,39 @@
+/// Taking the bytes of an input apart.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+/// The bytes of an input, taken from front to back. Used up, it gives zeros and empty texts.
+class Input {
+public:
+    Input(const std::uint8_t* bytes, std::size_t size) : left_(reinterpret_cast<const char*>(bytes), size) {}
+
+    bool empty() const { return left_.empty(); }
+
+    /// The next `most` bytes, or as many as are left.
+    std::string bytes(std::size_t most) {
+        const std::string taken = left_.substr(0, most);
+        left_.erase(0, taken.size());
+        return taken;
+    }
+
+    std::uint8_t byte() {
+        const std::string taken = bytes(1);
+        return taken.empty() ? std::uint8_t{0} : static_cast<std::uint8_t>(taken[0]);
+    }
+
+    /// The text up to the next line feed, without it.
+    std::string line() {
+        const std::string taken = bytes(std::min(left_.find('\n'), left_.size()));
+        bytes(1);
+        return taken;
+    }
+
+    std::string rest() { return bytes(left_.size()); }
+
+private:
+    std::string left_;
+};

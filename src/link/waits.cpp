@@ -1,0 +1,3 @@
+#include "link/waits.h"
+
+Waits gWaits;
