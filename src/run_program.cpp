@@ -4,6 +4,7 @@
 #include "link/com_port.h"
 #include "system/program_end.h"
 #include "system/program_folder.h"
+#include "text/fonts.h"
 #include "upgrade/main_window.h"
 
 #include <QApplication>
@@ -15,6 +16,7 @@ int runProgram(int argc, char* argv[], Edition edition) {
     // Forms come and go; only endProgram() ends the program.
     QApplication::setQuitOnLastWindowClosed(false);
     setProgramFolder(QCoreApplication::applicationDirPath());
+    useGothicFonts();
     setProgramEnd([] {
         subPortClose();
         std::_Exit(EXIT_SUCCESS);
