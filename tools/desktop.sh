@@ -17,6 +17,17 @@ start_desktop() {
     soon 10 xdotool get_num_desktops || { echo "openbox does not start" >&2; return 1; }
 }
 
+# dark_desktop FOLDER: programs started later find the settings of a dark desktop in the folder.
+dark_desktop() {
+    export XDG_CONFIG_HOME=$1 XDG_CURRENT_DESKTOP=KDE KDE_SESSION_VERSION=5
+    mkdir -p "$1"
+    local group
+    for group in Window View Button Tooltip; do
+        printf '[Colors:%s]\nBackgroundNormal=42,46,50\nForegroundNormal=252,252,252\n' "$group"
+    done >"$1/kdeglobals"
+    printf '[Colors:Selection]\nBackgroundNormal=61,174,233\nForegroundNormal=252,252,252\n' >>"$1/kdeglobals"
+}
+
 stop_desktop() { kill "${desktop_processes[@]}" 2>/dev/null || true; }
 
 # soon SECONDS COMMAND...: whether the command succeeds within the time.
