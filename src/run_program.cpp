@@ -4,6 +4,7 @@
 #include "link/com_port.h"
 #include "system/program_end.h"
 #include "system/program_folder.h"
+#include "text/fonts.h"
 #include "upgrade/main_window.h"
 
 #include <QApplication>
@@ -28,6 +29,7 @@ int runProgram(int argc, char* argv[], Edition edition) {
     QGuiApplication::setDesktopFileName(QCoreApplication::applicationName());
     QGuiApplication::setWindowIcon(programIcon());
     setProgramFolder(QCoreApplication::applicationDirPath());
+    useGothicFonts();
     setProgramEnd([] {
         subPortClose();
         std::_Exit(EXIT_SUCCESS);

@@ -1,9 +1,12 @@
 # Sourced by what works the program's windows without a display: a virtual desktop, and an operator's hands.
 
+# scaled PIXELS: as many in a program that is shown larger, see QT_SCALE_FACTOR.
+scaled() { awk "BEGIN { print int($1 * ${QT_SCALE_FACTOR:-1}) }"; }
+
 # Starts a virtual display with a window manager; everything started later shows there.
 start_desktop() {
     exec {display_pipe}<> <(:)
-    Xvfb -displayfd "$display_pipe" -screen 0 1280x800x24 -nolisten tcp >/dev/null 2>&1 &
+    Xvfb -wr -displayfd "$display_pipe" -screen 0 "$(scaled 1280)x$(scaled 800)x24" -nolisten tcp >/dev/null 2>&1 &
     desktop_processes=($!)
     read -r -t 20 display <&"$display_pipe" || { echo "Xvfb does not start" >&2; return 1; }
     exec {display_pipe}<&-
@@ -11,6 +14,18 @@ start_desktop() {
     unset WAYLAND_DISPLAY QT_QPA_PLATFORM
     openbox >/dev/null 2>&1 &
     desktop_processes+=($!)
+    soon 10 xdotool get_num_desktops || { echo "openbox does not start" >&2; return 1; }
+}
+
+# dark_desktop FOLDER: programs started later find the settings of a dark desktop in the folder.
+dark_desktop() {
+    export XDG_CONFIG_HOME=$1 XDG_CURRENT_DESKTOP=KDE KDE_SESSION_VERSION=5
+    mkdir -p "$1"
+    local group
+    for group in Window View Button Tooltip; do
+        printf '[Colors:%s]\nBackgroundNormal=42,46,50\nForegroundNormal=252,252,252\n' "$group"
+    done >"$1/kdeglobals"
+    printf '[Colors:Selection]\nBackgroundNormal=61,174,233\nForegroundNormal=252,252,252\n' >>"$1/kdeglobals"
 }
 
 stop_desktop() { kill "${desktop_processes[@]}" 2>/dev/null || true; }
@@ -34,11 +49,11 @@ await_window() {
     sleep 0.3
 }
 
-# press TITLE X Y: clicks into the window, in pixels from its upper left corner.
+# press TITLE X Y: clicks into the window, in unscaled pixels from its upper left corner.
 press() {
     local id
     id=$(window "$1") || return 1
-    xdotool mousemove --window "$id" "$2" "$3" click 1
+    xdotool mousemove --window "$id" "$(scaled "$2")" "$(scaled "$3")" click 1
     sleep 0.2
 }
 

@@ -37,6 +37,7 @@ need_fonts() { need "for Latin and Japanese text" fonts-liberation fonts-ipafont
 
 need_tests() {
     need "for the tests" libgtest-dev lrzsz
+    need "to compare the manuals with the texts of the program" python3
     need "for the tests of the sleep inhibitor" dbus-daemon
 }
 

@@ -46,6 +46,7 @@ frmStartUp::frmStartUp(MainWindowAtStart& mainWindow)
     setObjectName(QStringLiteral("frmStartUp"));
     setWindowTitle(QStringLiteral("Dravolt"));
     setWindowFlag(Qt::WindowMaximizeButtonHint, false);
+    imgLogo->setAccessibleName(windowTitle());
     lblCom->setBuddy(cmbCom);
     lblBPS->setBuddy(cmbBps);
 

@@ -2,6 +2,7 @@
 
 #include "text/blanks.h"
 #include "text/error_report.h"
+#include "text/fonts.h"
 #include "text/runtime_failure.h"
 #include "text/string_table.h"
 
@@ -100,11 +101,21 @@ void subSetMainTexts(QWidget& frmMain) {
     applyControlTexts(frmMain, kMainTexts);
 }
 
+/// The logo, which is stored larger, sharp on the screen of `window`.
+QPixmap logo(const QWidget& window) {
+    constexpr int kStoredSize = 3;
+    const QPixmap stored(QStringLiteral(":/bitmap/1101"));
+    const qreal ratio = window.devicePixelRatioF();
+    QPixmap shown = stored.scaledToWidth(qRound(stored.width() * ratio / kStoredSize), Qt::SmoothTransformation);
+    shown.setDevicePixelRatio(ratio);
+    return shown;
+}
+
 void subSetStartUpTexts(const QWidget& frmStartUp) {
     gFontName = text(IDS_FONTNAME);
     subLoadMessageTexts();
     applyControlTexts(frmStartUp, kStartUpTexts);
-    control<QLabel>(frmStartUp, "imgLogo").setPixmap(QPixmap(QStringLiteral(":/bitmap/1101")));
+    control<QLabel>(frmStartUp, "imgLogo").setPixmap(logo(frmStartUp));
 }
 
 void subSetWaitTexts(QWidget& frmWait) {
@@ -155,16 +166,4 @@ void subApplyLanguage(const QString& formName) {
         translateQt();
         applyFormTexts(formName);
     });
-}
-
-// Where the catalogue's fonts are not installed: first the fonts with the widths of the English one, then Japanese
-// gothic ones.
-static const QStringList kStandIns{QStringLiteral("Liberation Sans"), QStringLiteral("IPAPGothic"),
-                                   QStringLiteral("Noto Sans CJK JP"), QStringLiteral("VL PGothic"),
-                                   QStringLiteral("TakaoPGothic")};
-
-void setCatalogueFont(QWidget& control) {
-    QFont font = control.font();
-    font.setFamilies(QStringList(gFontName) + kStandIns);
-    control.setFont(font);
 }

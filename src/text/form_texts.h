@@ -3,8 +3,6 @@
 
 #include <QString>
 
-class QWidget;
-
 /// Font of labels and buttons, in the language current when a form's texts were last applied.
 extern QString gFontName;
 /// Filter of the file dialogs: description, bar, pattern, two bars.
@@ -17,6 +15,3 @@ extern QString gNoPortText;
 /// The form must exist. A name other than "frmMain", "frmStartUp", "frmWait" and "frmLanguage" only sets the offset.
 /// A failure is reported, and the remaining texts of that form are not applied.
 void subApplyLanguage(const QString& formName);
-
-/// Sets the font name of `control` to gFontName; size and style stay.
-void setCatalogueFont(QWidget& control);

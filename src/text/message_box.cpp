@@ -10,6 +10,8 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include <algorithm>
+
 /// The window that a box speaks of: the one in use, else any that is visible.
 static QWidget* ownerWindow() {
     if (QWidget* modal = QApplication::activeModalWidget())
@@ -37,12 +39,26 @@ static QMessageBox::Icon iconOf(int style) {
     }
 }
 
-/// Makes `box` wide enough for its own title, which a short message would otherwise cut.
-static void makeRoomForTitle(QMessageBox& box) {
+/// Width of the longest of `lines`, or of each of the equal parts into which it must be broken.
+static int textWidth(const QFontMetrics& metrics, const QStringList& lines) {
+    constexpr int kWidest = 620;
+    constexpr int kRoomForUnevenParts = 40;
+    int longest = 0;
+    for (const QString& line : lines)
+        longest = std::max(longest, metrics.horizontalAdvance(line));
+    const int parts = longest / kWidest + 1;
+    return parts == 1 ? longest : longest / parts + kRoomForUnevenParts;
+}
+
+/// Makes `box` wide enough for its title, which a short message would cut, and for lines that need not break early.
+static void makeRoom(QMessageBox& box) {
     constexpr int kFrameAndCloseBox = 120;
-    const int width = QFontMetrics(box.font()).horizontalAdvance(box.windowTitle()) * 3 / 2 + kFrameAndCloseBox;
+    constexpr int kIconAndMargins = 100;
+    const QFontMetrics metrics(box.font());
+    const int title = metrics.horizontalAdvance(box.windowTitle()) * 3 / 2 + kFrameAndCloseBox;
+    const int text = textWidth(metrics, box.text().split(QLatin1Char('\n'))) + kIconAndMargins;
     auto* grid = qobject_cast<QGridLayout*>(box.layout());
-    grid->addItem(new QSpacerItem(width, 0), grid->rowCount(), 0, 1, grid->columnCount());
+    grid->addItem(new QSpacerItem(std::max(title, text), 0), grid->rowCount(), 0, 1, grid->columnCount());
 }
 
 MsgBoxResult showMessageBox(const QString& message, int style, const QString& title) {
@@ -59,7 +75,7 @@ MsgBoxResult showMessageBox(const QString& message, int style, const QString& ti
         cancel->setText(text(IDS_FRMWAIT_CMD_CANCEL));
         box.setEscapeButton(cancel);
     }
-    makeRoomForTitle(box);
+    makeRoom(box);
     if (box.parentWidget() == nullptr)
         centreOnScreen(box);
     return box.exec() == QMessageBox::Ok ? kOk : kCancel;

@@ -3,6 +3,20 @@
 #include "text/form_texts.h"
 #include "upgrade/main_window.h"
 
+#include <QHeaderView>
+#include <QSplitter>
+#include <QTreeView>
+
+/// Qt's own dialog would cut the names of its places and columns.
+static void makeRoom(QFileDialog& dialog) {
+    constexpr int kPlaces = 120;
+    dialog.resize(720, 460);
+    if (auto* splitter = dialog.findChild<QSplitter*>())
+        splitter->setSizes({kPlaces, dialog.width() - kPlaces});
+    if (auto* files = dialog.findChild<QTreeView*>())
+        files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+}
+
 /// Path of the file that the operator chooses, beginning with `preset`; empty when the dialog is cancelled.
 QString frmMain::chooseFile(QFileDialog::AcceptMode mode, const QString& preset) {
     QFileDialog cmdSoft(this, QString(), programFolder());
@@ -11,6 +25,7 @@ QString frmMain::chooseFile(QFileDialog::AcceptMode mode, const QString& preset)
     cmdSoft.setNameFilter(gFilterText.section(QLatin1Char('|'), 0, 0));
     if (mode == QFileDialog::AcceptSave)
         cmdSoft.setDefaultSuffix(QStringLiteral("bin"));
+    makeRoom(cmdSoft);
     if (!preset.isEmpty())
         cmdSoft.selectFile(preset);
     return cmdSoft.exec() == QDialog::Accepted ? cmdSoft.selectedFiles().constFirst() : QString();

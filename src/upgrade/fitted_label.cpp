@@ -12,10 +12,26 @@ static QFont fitted(QFont font, const QString& text, qreal width) {
     return font;
 }
 
+QColor FittedLabel::textColour() const {
+    const QColor text = palette().color(QPalette::Active, QPalette::WindowText);
+    if (!grey_ && isEnabled())
+        return text;
+    // The grey that styles take for disabled texts can hardly be read.
+    constexpr int kShareOfText = 55;
+    const QColor ground = palette().color(QPalette::Active, QPalette::Window);
+    const auto mixed = [](int a, int b) { return (a * kShareOfText + b * (100 - kShareOfText)) / 100; };
+    return {mixed(text.red(), ground.red()), mixed(text.green(), ground.green()), mixed(text.blue(), ground.blue())};
+}
+
+void FittedLabel::setGrey(bool grey) {
+    grey_ = grey;
+    update();
+}
+
 void FittedLabel::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setFont(fitted(font(), text(), width()));
-    painter.setPen(palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, foregroundRole()));
+    painter.setPen(textColour());
     const QString shown = painter.fontMetrics().elidedText(text(), Qt::ElideRight, width());
     setToolTip(shown == text() ? QString() : text());
     painter.drawText(rect(), static_cast<int>(alignment()) | Qt::TextSingleLine, shown);

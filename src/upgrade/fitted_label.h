@@ -10,6 +10,15 @@ class FittedLabel : public QLabel {
 public:
     using QLabel::QLabel;
 
+    /// Writes the text in grey, as it also is while the label is disabled.
+    void setGrey(bool grey);
+
+    /// Colour of the text: that of the window's texts, or a grey that can be read on a light and on a dark desktop.
+    QColor textColour() const;
+
 protected:
     void paintEvent(QPaintEvent* event) override;
+
+private:
+    bool grey_ = false;
 };

@@ -3,11 +3,11 @@
 #include "system/program_end.h"
 #include "system/program_folder.h"
 #include "text/centring.h"
+#include "text/fonts.h"
 #include "text/form_texts.h"
 #include "text/message_box.h"
 #include "text/string_table.h"
 #include "transfer/image_buffers.h"
-#include "upgrade/fitted_label.h"
 #include "upgrade/form_layout.h"
 #include "upgrade/image_loading.h"
 
@@ -52,7 +52,7 @@ QLabel* addHeading(QWidget& form, const char* name) {
     return heading;
 }
 
-QLabel* addRowLabel(QWidget& form, const char* name, std::size_t row) {
+FittedLabel* addRowLabel(QWidget& form, const char* name, std::size_t row) {
     auto* label = addControl<FittedLabel>(form, QStringLiteral("%1(%2)").arg(QLatin1String(name)).arg(row));
     QFont font = label->font();
     font.setPointSizeF(kRowPoints);

@@ -4,6 +4,7 @@
 #include "app/startup_form.h"
 #include "transfer/transfer_screen.h"
 #include "transfer/transfer_steps.h"
+#include "upgrade/fitted_label.h"
 #include "upgrade/progress_dialog.h"
 
 #include <QFileDialog>
@@ -88,8 +89,8 @@ private:
     frmWait& progressDialog();
 
     std::array<QRadioButton*, 2> optPresent{};
-    std::array<QLabel*, 3> lblTitle{};
-    std::array<QLabel*, 3> lblVersion{};
+    std::array<FittedLabel*, 3> lblTitle{};
+    std::array<FittedLabel*, 3> lblVersion{};
     QCheckBox* chkVerify;
     QPushButton* cmdLoading;
     QPushButton* cmdPresent;

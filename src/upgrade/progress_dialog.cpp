@@ -34,6 +34,7 @@ frmWait::frmWait(QWidget& owner)
     cmdCancel->hide();
     // Enter must not cancel by accident what takes minutes.
     cmdCancel->setAutoDefault(false);
+    lblMsg->setBuddy(prbComm);
     prbComm->setAlignment(Qt::AlignCenter);
     // Often enough for the eye; each painting costs time that the transfer could use.
     refresh_.setInterval(std::chrono::milliseconds(500));

@@ -6,8 +6,6 @@
 #include "upgrade/main_window.h"
 #include "version.h"
 
-#include <QLabel>
-
 /// Text of a program version: 1, 4 gives ver1.004.
 static QString programVersionText(int major, int minor) {
     return QStringLiteral("ver%1.%2").arg(major).arg(minor, 3, 10, QLatin1Char('0'));
@@ -31,11 +29,8 @@ void frmMain::optPresent_Click(int index) {
         gUnitNo = index == 1 ? kInterfaceUnit : kSensorAmplifier;
         for (int row = 0; row <= kImageRow; ++row) {
             const bool grey = row != index && row != kImageRow;
-            QPalette colours = palette();
-            if (grey)
-                colours.setColor(QPalette::WindowText, colours.color(QPalette::Disabled, QPalette::WindowText));
-            lblTitle[static_cast<std::size_t>(row)]->setPalette(colours);
-            lblVersion[static_cast<std::size_t>(row)]->setPalette(colours);
+            lblTitle[static_cast<std::size_t>(row)]->setGrey(grey);
+            lblVersion[static_cast<std::size_t>(row)]->setGrey(grey);
         }
     });
 }

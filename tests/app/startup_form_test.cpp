@@ -2,6 +2,7 @@
 
 #include "app/identification.h"
 #include "app/settings.h"
+#include "support/focus_route.h"
 #include "support/units_test.h"
 
 #include <QComboBox>
@@ -67,6 +68,8 @@ TEST_F(StartUp, AFailedFirstTestOffersThePortsAndSetTriesTwice) {
     EXPECT_EQ(user.texts(), QStringList{"An error is in a setup of a COM port.Please check."});
     ASSERT_TRUE(offersPorts());
     EXPECT_FALSE(form.findChild<QComboBox*>("cmbBps")->isVisible());
+    EXPECT_EQ(focusRoute(form), QStringList({"ComboBox: COM PORT", "Button: Set", "Button: Cancel"}));
+    EXPECT_EQ(nameless(form), QStringList());
     EXPECT_EQ(form.findChild<QComboBox*>("cmbCom")->currentText(), "COM1");
 
     chooseAndSet(1);

@@ -1,5 +1,7 @@
 #include "upgrade/main_window_fixture.h"
 
+#include <cmath>
+
 TEST_F(MainWindowTest, StartsWithTheAmplifierAsTargetAndNothingToWrite) {
     EXPECT_EQ(window.windowTitle(), "Dravolt ver1.004");
     EXPECT_EQ(row(0), "AMP-A 0.500");
@@ -8,7 +10,9 @@ TEST_F(MainWindowTest, StartsWithTheAmplifierAsTargetAndNothingToWrite) {
     EXPECT_FALSE(button("cmdUpgrade").isEnabled());
     for (const char* hidden : {"chkVerify", "cmdPresent", "LabelWriteProtect"})
         EXPECT_TRUE(window.findChild<QWidget*>(hidden)->isHidden()) << hidden;
-    const auto colourOf = [this](int index) { return label("lblTitle(%1)", index).palette().windowText().color(); };
+    const auto colourOf = [this](int index) {
+        return static_cast<FittedLabel&>(label("lblTitle(%1)", index)).textColour();
+    };
     EXPECT_EQ(gUnitNo, kSensorAmplifier);
     EXPECT_EQ(colourOf(0), colourOf(2));
     EXPECT_NE(colourOf(1), colourOf(2));
@@ -19,6 +23,26 @@ TEST_F(MainWindowTest, StartsWithTheAmplifierAsTargetAndNothingToWrite) {
     gAmpTypeName.clear();
     window.subSetAllVersion();
     EXPECT_EQ(row(0), " ") << "a row without a name shows no version";
+}
+
+/// Luminance as the rules for accessible text take it, 0 to 1.
+static double luminance(const QColor& colour) {
+    const auto linear = [](double c) { return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4); };
+    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
+}
+
+TEST_F(MainWindowTest, GreyTextCanBeReadOnALightAndOnADarkDesktop) {
+    auto& grey = static_cast<FittedLabel&>(label("lblTitle(%1)", 1));
+    for (const QColor ground : {QColor(239, 239, 239), QColor(255, 255, 255), QColor(42, 46, 50), QColor(0, 0, 0)}) {
+        const bool light = ground.lightness() > 127;
+        QPalette desktop(ground);
+        desktop.setColor(QPalette::WindowText, light ? Qt::black : Qt::white);
+        window.setPalette(desktop);
+        const double a = luminance(grey.textColour()) + 0.05;
+        const double b = luminance(ground) + 0.05;
+        EXPECT_GE(std::max(a, b) / std::min(a, b), 4.5) << ground.name().toStdString();
+        EXPECT_NE(grey.textColour(), desktop.color(QPalette::WindowText));
+    }
 }
 
 TEST_F(MainWindowTest, AnImageIsNamedByTheTypeTables) {

@@ -1,3 +1,4 @@
+#include "support/focus_route.h"
 #include "upgrade/main_window_fixture.h"
 
 #include <QCheckBox>
@@ -11,6 +12,19 @@ protected:
         return progressDialog() != nullptr ? progressDialog()->findChild<QPushButton*>("cmdCancel") : nullptr;
     }
 };
+
+TEST_F(ServiceTest, EveryControlHasANameARoleAndItsTurn) {
+    writeImage("amp.bin", "AMPKEY", 13500);
+    load("amp.bin");
+    EXPECT_EQ(focusRoute(window),
+              QStringList({"RadioButton: Target: sensor amplifier", "RadioButton: Target: interface unit",
+                           "CheckBox: Verification", "Button: Loading file", "Button: Start upgrade", "Button: End",
+                           "Button: Save the present firmware"}));
+    EXPECT_EQ(nameless(window), QStringList());
+    window.showProgress();
+    EXPECT_EQ(focusRoute(*progressDialog()), QStringList("Button: Cancel"));
+    EXPECT_EQ(nameless(*progressDialog()), QStringList());
+}
 
 TEST_F(ServiceTest, ASavedFirmwareLoadsAgainAndIsWrittenBackWithVerification) {
     writeImage("amp.bin", "AMPKEY", 13500);
