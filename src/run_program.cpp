@@ -5,6 +5,7 @@
 #include "system/program_end.h"
 #include "system/program_folder.h"
 #include "text/fonts.h"
+#include "text/indicators.h"
 #include "upgrade/main_window.h"
 
 #include <QApplication>
@@ -30,6 +31,7 @@ int runProgram(int argc, char* argv[], Edition edition) {
     QGuiApplication::setWindowIcon(programIcon());
     setProgramFolder(QCoreApplication::applicationDirPath());
     useGothicFonts();
+    useVisibleIndicators();
     setProgramEnd([] {
         subPortClose();
         std::_Exit(EXIT_SUCCESS);

@@ -22,9 +22,10 @@ dark_desktop() {
     export XDG_CONFIG_HOME=$1 XDG_CURRENT_DESKTOP=KDE KDE_SESSION_VERSION=5
     mkdir -p "$1"
     local group
-    for group in Window View Button Tooltip; do
+    for group in Window Button Tooltip; do
         printf '[Colors:%s]\nBackgroundNormal=42,46,50\nForegroundNormal=252,252,252\n' "$group"
     done >"$1/kdeglobals"
+    printf '[Colors:View]\nBackgroundNormal=27,30,32\nForegroundNormal=252,252,252\n' >>"$1/kdeglobals"
     printf '[Colors:Selection]\nBackgroundNormal=61,174,233\nForegroundNormal=252,252,252\n' >>"$1/kdeglobals"
 }
 
