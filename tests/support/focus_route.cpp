@@ -5,11 +5,13 @@
 #include <QMetaEnum>
 #include <QWidget>
 
-/// The text of the label that stands for `control`, or its own.
+/// The text of the label that stands for `control`, or its own; the title of a group stands for none of its buttons.
 static QString name(QWidget* control) {
     QAccessibleInterface* found = QAccessible::queryAccessibleInterface(control);
-    const auto labels = found->relations(QAccessible::Label);
-    return (labels.isEmpty() ? found : labels.first().first)->text(QAccessible::Name);
+    for (const auto& [label, relation] : found->relations(QAccessible::Label))
+        if (label->role() == QAccessible::StaticText)
+            return label->text(QAccessible::Name);
+    return found->text(QAccessible::Name);
 }
 
 static bool isDecoration(const QWidget& widget) { return widget.metaObject() == &QFrame::staticMetaObject; }
