@@ -12,7 +12,7 @@ namespace ports {
 
 namespace {
 
-constexpr Text kNoDevice{"%1: there is no such device", "%1: デバイスがありません"};
+constexpr Text kNothingThere{"%1: there is no such device", "%1: デバイスがありません"};
 constexpr Text kNoSerialPort{"%1 is no serial port", "%1 はシリアルポートではありません"};
 constexpr Text kNoLink{"COM%1 has no link", "COM%1 のリンクはありません"};
 constexpr Text kNotALink{"%1 is no link; it stays as it is", "%1 はリンクではないため、変更しません"};
@@ -40,7 +40,7 @@ SerialDevice deviceNamed(const Machine& machine, const fs::path& device) {
     SerialDevice terminal;
     terminal.node = endOf(device);
     if (terminal.node.empty())
-        throw Refusal(said(kNoDevice, {device}));
+        throw Refusal(said(kNothingThere, {device}));
     for (SerialDevice& known : serialDevices(machine))
         if (endOf(known.node) == terminal.node)
             return known;

@@ -25,10 +25,8 @@ std::string hexDump(std::span<const std::uint8_t> bytes) {
 
 std::string hexNumber(unsigned value, unsigned digits) {
     std::string text(digits, '0');
-    for (auto digit = text.rbegin(); digit != text.rend(); ++digit) {
-        *digit = kDigits[value % 16];
-        value /= 16;
-    }
+    for (std::size_t left = digits; left > 0; --left, value /= 16)
+        text[left - 1] = kDigits[value % 16];
     return text;
 }
 

@@ -89,7 +89,8 @@ Script CommandMachine::answer(const std::string& command, Time now) {
 }
 
 Reply CommandMachine::execute(const std::string& command, bool obey, Time now) {
-    Reply reply{.command = command.substr(0, kCodeSize)};
+    Reply reply;
+    reply.command = command.substr(0, kCodeSize);
     if (command == "0501")
         reply.data = bytesOf(devices_.attributes());
     else if (command == "0601")

@@ -2,8 +2,8 @@
 
 #include "simulator/image.h"
 
-#include <array>
-#include <cstdio>
+#include <iomanip>
+#include <sstream>
 #include <stdexcept>
 
 namespace units {
@@ -33,9 +33,9 @@ std::string twoDigits(unsigned number) {
 }
 
 std::string versionText(std::uint16_t thousandths) {
-    std::array<char, 16> text{};
-    std::snprintf(text.data(), text.size(), "%u.%03u", thousandths / 1000U, thousandths % 1000U);
-    return text.data();
+    std::ostringstream text;
+    text << thousandths / 1000 << '.' << std::setw(3) << std::setfill('0') << thousandths % 1000;
+    return text.str();
 }
 
 }  // namespace

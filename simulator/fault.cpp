@@ -183,7 +183,7 @@ std::string faultHelp() {
     for (const PlaceName& place : kPlaceNames) {
         std::string name = std::string(place.name) + (place.numbered ? "N" : "");
         name.resize(19, ' ');
-        text += "  " + name + std::string(place.help) + "\n";
+        text.append("  ").append(name).append(place.help).append("\n");
     }
     text += "\nKinds (c command, s start, p packet, e eot, b block, u eotN):\n";
     for (const FaultKindInfo& kind : faultKinds()) {
@@ -193,7 +193,7 @@ std::string faultHelp() {
         for (const PlaceKind place : kind.places)
             places += std::string_view("cspebu")[static_cast<std::size_t>(place)];
         places.resize(8, ' ');
-        text += "  " + name + places + std::string(kind.help) + "\n";
+        text.append("  ").append(name).append(places).append(kind.help).append("\n");
     }
     return text;
 }

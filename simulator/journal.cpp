@@ -1,19 +1,20 @@
 #include "simulator/journal.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
+#include <iomanip>
 #include <iostream>
+#include <sstream>
 #include <stdexcept>
 
 namespace units {
 
 namespace {
 
-std::string milliseconds(Time at) {
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%11.3f ", std::chrono::duration<double, std::milli>(at).count());
-    return text.data();
+std::string timeStamp(Time at) {
+    std::ostringstream text;
+    text << std::fixed << std::setprecision(3) << std::setw(11) << std::chrono::duration<double, std::milli>(at).count()
+         << ' ';
+    return text.str();
 }
 
 }  // namespace
@@ -78,7 +79,7 @@ bool Journal::waitFor(std::string_view text, std::chrono::milliseconds timeout) 
 
 void Journal::write(Time at, std::string_view direction, std::string_view meaning,
                     std::span<const std::uint8_t> bytes) {
-    std::string line = milliseconds(at);
+    std::string line = timeStamp(at);
     line += direction;
     line += meaning;
     if (!bytes.empty())

@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t kHeaderSize = 3;
 
 /// Kinds after which the units behave as if the packet or end had not come.
-bool disobeys(const ActiveFaults& faults) {
+bool withholdsResult(const ActiveFaults& faults) {
     using enum FaultKind;
     constexpr FaultKind kKinds[] = {silence, nak, can, unplug, mute};
     return std::any_of(std::begin(kKinds), std::end(kKinds), [&](FaultKind kind) { return faults.has(kind); });
@@ -166,7 +166,7 @@ std::string PacketReceiver::packetFlaw() const {
 Script PacketReceiver::newPacket(Time now) {
     const std::string meaning = "packet " + std::to_string(blocks_ + 1) + " (number " + std::to_string(packet_[1]) +
                                 "), " + std::to_string(packet_.size()) + " bytes, ok";
-    if (!disobeys(packetFaults_)) {
+    if (!withholdsResult(packetFaults_)) {
         image_.insert(image_.end(), packet_.begin() + kHeaderSize, packet_.begin() + kHeaderSize + kBlockSize);
         ++blocks_;
     }
@@ -193,7 +193,7 @@ Script PacketReceiver::endOfTransfer(Time now) {
     }
     const ActiveFaults faults = faults_.occur({PlaceKind::eot, {}, 0});
     journal_.received(now, withFaults("EOT after 1920 blocks", faults, "ACK"));
-    if (!disobeys(faults)) {
+    if (!withholdsResult(faults)) {
         if (!accepted_)
             accept_(image_, now - firstPacket_.value_or(now));
         accepted_ = true;

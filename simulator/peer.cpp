@@ -30,6 +30,7 @@ std::array<int, 2> makePipe(int ownEnd) {
 }
 
 /// Starts a shell command in a process group of its own, with no signal blocked.
+// cppcheck-suppress passedByValue  ; posix_spawn() wants text that may be changed
 pid_t spawn(std::string command, int input, int output) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);

@@ -72,14 +72,14 @@ Pty::Pty(const Options& options) : Pty() {
 
 Pty::~Pty() { closeAll(); }
 
-Bytes Pty::read(std::size_t limit) {
+Bytes Pty::read(std::size_t limit) const {
     Bytes bytes(limit);
     const ssize_t count = ::read(master_, bytes.data(), bytes.size());
     bytes.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
     return bytes;
 }
 
-void Pty::forgetClient() {
+void Pty::forgetClient() const {
     std::array<char, 4096> events{};
     while (::read(closings_, events.data(), events.size()) > 0)
         continue;
@@ -89,7 +89,7 @@ void Pty::forgetClient() {
     ioctl(slave_, TIOCNXCL);
 }
 
-std::size_t Pty::write(std::span<const std::uint8_t> bytes) {
+std::size_t Pty::write(std::span<const std::uint8_t> bytes) const {
     if (bytes.empty())
         return 0;
     const ssize_t count = ::write(master_, bytes.data(), bytes.size());
@@ -128,10 +128,10 @@ void Pty::closeAll() {
     if (!link_.empty())
         unlink(link_.c_str());
     link_.clear();
-    for (int* descriptor : {&closings_, &slave_, &master_}) {
-        if (*descriptor >= 0)
-            close(*descriptor);
-        *descriptor = -1;
+    for (int* end : {&closings_, &slave_, &master_}) {
+        if (*end >= 0)
+            close(*end);
+        *end = -1;
     }
 }
 

@@ -29,13 +29,13 @@ public:
     int closings() const { return closings_; }
 
     /// Takes note of those who have closed the near end: the port is no longer in exclusive use.
-    void forgetClient();
+    void forgetClient() const;
 
     /// What the client has sent, at most `limit` bytes; empty if there is nothing now.
-    Bytes read(std::size_t limit);
+    Bytes read(std::size_t limit) const;
 
     /// Sends as much as fits now and returns how much that was.
-    std::size_t write(std::span<const std::uint8_t> bytes);
+    std::size_t write(std::span<const std::uint8_t> bytes) const;
 
     /// Why the client's terminal settings are not raw, 8N1, without echo, at the speed in bits a second; or nothing.
     std::optional<std::string> settingsFlaw(unsigned speed) const;

@@ -11,10 +11,10 @@ static constexpr int kEndCodeLast = 6;
 static constexpr int kDataFirst = 15;
 
 QByteArray buildRequestFrame(const QString& command) {
-    const QByteArray text = "00000" + command.toUpper().toLatin1() + kEtx;
+    const QByteArray body = "00000" + command.toUpper().toLatin1() + kEtx;
     const char check =
-        std::accumulate(text.begin(), text.end(), char{0}, [](char sum, char c) { return static_cast<char>(sum ^ c); });
-    return kStx + text + check;
+        std::accumulate(body.begin(), body.end(), char{0}, [](char sum, char c) { return static_cast<char>(sum ^ c); });
+    return kStx + body + check;
 }
 
 /// Value of a hexadecimal digit of either case, -1 for any other character.

@@ -143,10 +143,10 @@ void frmMain::subSetWindowTexts() {
     optPresent[1]->setAccessibleName(literalText(u"Target: interface unit", u"対象: インターフェースユニット"));
     subApplyLanguage(objectName());
     // The rows would show in the system's font otherwise, beside headings in the catalogue's.
-    for (std::size_t row = 0; row < lblTitle.size(); ++row) {
-        setCatalogueFont(*lblTitle[row]);
-        setCatalogueFont(*lblVersion[row]);
-    }
+    for (QLabel* label : lblTitle)
+        setCatalogueFont(*label);
+    for (QLabel* label : lblVersion)
+        setCatalogueFont(*label);
     if (lblService != nullptr) {
         lblService->setText(literalText(u"for service", u"サービス用"));
         setCatalogueFont(*lblService);

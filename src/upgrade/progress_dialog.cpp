@@ -13,10 +13,10 @@
 
 #include <chrono>
 
-static constexpr int kClientWidth = 5'220;
-static constexpr int kClientHeight = 1'755;
+static constexpr int kDialogWidth = 5'220;
+static constexpr int kDialogHeight = 1'755;
 
-static constexpr ControlPlace kPlaces[] = {
+static constexpr ControlPlace kDialogPlaces[] = {
     {"lblMsg", 360, 240, 4'575, 255},
     {"prbComm", 240, 720, 4'695, 495},
     {"cmdCancel", 3'720, 1'320, 1'095, 315},
@@ -29,8 +29,8 @@ frmWait::frmWait(QWidget& owner)
       lblMsg(addControl<FittedLabel>(*this, QStringLiteral("lblMsg"))),
       prbComm(addControl<QProgressBar>(*this, QStringLiteral("prbComm"))) {
     setObjectName(QStringLiteral("frmWait"));
-    setFixedSize(kClientWidth / kTwipsPerPixel, kClientHeight / kTwipsPerPixel);
-    placeControls(*this, kPlaces);
+    setFixedSize(kDialogWidth / kTwipsPerPixel, kDialogHeight / kTwipsPerPixel);
+    placeControls(*this, kDialogPlaces);
     cmdCancel->hide();
     // Enter must not cancel by accident what takes minutes.
     cmdCancel->setAutoDefault(false);
