@@ -3,8 +3,10 @@
 #include "text/blanks.h"
 #include "text/error_report.h"
 #include "text/runtime_failure.h"
+#include "text/string_table.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QStringDecoder>
 
 #include <new>
@@ -32,14 +34,20 @@ QString iniValue(const QString& stored) {
 
 /// All of the file at `path`; nothing when it does not exist.
 static QByteArray readFile(const QString& path) {
+    const auto require = [&path](bool condition, const QString& reason) {
+        if (!condition)
+            throw RuntimeFailure(failure::kFileAccess, QStringLiteral("%1: %2").arg(path, reason));
+    };
     QFile file(path);
     if (!file.exists())
         return {};
-    if (!file.open(QIODevice::ReadOnly))
-        throw RuntimeFailure(failure::kFileAccess, QStringLiteral("%1: %2").arg(path, file.errorString()));
-    const QByteArray bytes = file.readAll();
-    if (file.error() != QFileDevice::NoError)
-        throw RuntimeFailure(failure::kFileAccess, QStringLiteral("%1: %2").arg(path, file.errorString()));
+    // A pipe would be waited for, a device be read without end.
+    require(QFileInfo(file).isFile(), messageText(u"this is no file", u"ファイルではありません"));
+    require(file.open(QIODevice::ReadOnly), file.errorString());
+    const QByteArray bytes = file.read(kMostIniBytes + 1);
+    require(file.error() == QFileDevice::NoError, file.errorString());
+    require(bytes.size() <= kMostIniBytes,
+            messageText(u"the file has more than %1 bytes", u"ファイルが%1バイトを超えています").arg(kMostIniBytes));
     return bytes;
 }
 

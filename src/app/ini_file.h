@@ -4,6 +4,9 @@
 #include <QString>
 #include <QStringList>
 
+/// Size of the largest INI file that is read, in bytes; a real one has a few thousand.
+inline constexpr qsizetype kMostIniBytes = 4 * 1'024 * 1'024;
+
 /// Most items that a list value gives; the rest is dropped.
 inline constexpr int kMostListItems = 101;
 
@@ -13,7 +16,8 @@ extern QStringList gListItems;
 /// The value of `key` in `section` of the file at path `file`; sections and keys match without regard to case.
 ///
 /// At most 126 characters; what follows an apostrophe is dropped, tabs become blanks, blanks at both ends are removed.
-/// Empty when file, section or key is missing, and after a failure, which has been reported.
+/// Empty when file, section or key is missing, and after a failure, which has been reported; such as that of a file of
+/// more than kMostIniBytes.
 QString fncGetIniString(const QString& section, const QString& key, const QString& file);
 
 /// Splits `list` at its commas into gListItems, each item without blanks at its ends; empty items stay.

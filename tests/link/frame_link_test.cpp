@@ -1,7 +1,7 @@
+#include "support/pty.h"
 #include "support/units_test.h"
 #include "text/runtime_failure.h"
 
-#include <QDir>
 #include <QElapsedTimer>
 #include <QRegularExpression>
 #include <QTimer>
@@ -37,6 +37,32 @@ TEST_F(FrameLink, KeepsTheDeadlineToTheMillisecondsAndSilenceIs9999) {
     EXPECT_FALSE(QFile::exists(file("PelkLog.txt")));
 }
 
+TEST_F(FrameLink, AUnitThatNeverStopsSendingNeitherStretchesTheDeadlineNorFillsTheMemory) {
+    const std::pair<char, const char*> cases[] = {
+        {'\x02', "9999"},                     // never more than a start
+        {'\x03', "9999"},  {'0', "failure"},  // more than a reply can carry
+        {'U', "failure"},                     // no hexadecimal digits
+        {'\0', "failure"},
+    };
+    for (const auto& [byte, result] : cases) {
+        subPortClose();
+        gblnCommBusy = false;
+        const Pty pty;
+        linkPort(1, pty.device());
+        ASSERT_TRUE(fncPortOpen(1, QStringLiteral("38400,n,8,1")));
+        const Babbler babbler(pty, QByteArray(64, byte));
+        QElapsedTimer clock;
+        clock.start();
+        try {
+            EXPECT_EQ(send("0501", 300ms), result) << byte;
+            EXPECT_GE(clock.elapsed(), 300);
+        } catch (const RuntimeFailure&) {
+            EXPECT_STREQ(result, "failure") << byte;
+        }
+        EXPECT_LT(clock.elapsed(), 400) << byte;
+    }
+}
+
 TEST_F(FrameLink, LogsEachUnusableReplyOnItsOwnLine) {
     unitsWith({"bcc@300550", "cut:16@300550#2"});
     EXPECT_EQ(send("300550010000"), "");
@@ -67,10 +93,13 @@ TEST_F(FrameLink, AFailedExchangeHoldsTheNextOneUpAndServesEventsMeanwhile) {
 }
 
 TEST_F(FrameLink, AFailedLogRecordLeavesNoMark) {
-    ASSERT_TRUE(QDir(file({})).mkdir("PelkLog.txt"));
-    unitsWith({"bcc@300550"});
-    EXPECT_THROW(send("300550010000"), RuntimeFailure);
-    EXPECT_FALSE(gblnCommBusy);
+    for (const char* obstacle : {".", "/dev/full"}) {
+        ASSERT_TRUE(QFile::link(obstacle, file("PelkLog.txt")));
+        unitsWith({"bcc@300550"});
+        EXPECT_THROW(send("300550010000"), RuntimeFailure) << obstacle;
+        EXPECT_FALSE(gblnCommBusy) << obstacle;
+        QFile::remove(file("PelkLog.txt"));
+    }
 }
 
 TEST_F(FrameLink, Code1234IsReportedAtTheThirdAttemptAndCancelEndsTheProgram) {

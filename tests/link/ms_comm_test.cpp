@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -72,6 +73,7 @@ TEST_F(Port, TellsMissingPortsFromPortsThatDoNotOpen) {
     linkPort(4, QStringLiteral("/nowhere"));
     linkPort(5, file({}));
     writeFile("com6", "no device");
+    linkPort(7, QStringLiteral("/dev/zero"));
     const QString missing = QStringLiteral("現在の通信ポート(COM%1)は有効ではありません");
     const QString notOpening =
         QStringLiteral("通信ポートが開けません。通信ポートを使用するアプリケーションを終了して再度起動して下さい。");
@@ -79,13 +81,27 @@ TEST_F(Port, TellsMissingPortsFromPortsThatDoNotOpen) {
         EXPECT_FALSE(fncPortOpen(number, kSettings));
         EXPECT_EQ(user.texts().back(), missing.arg(number));
     }
-    for (const int number : {5, 6}) {
+    for (const int number : {5, 6, 7}) {
         EXPECT_FALSE(fncPortOpen(number, kSettings));
         EXPECT_EQ(user.texts().back(), notOpening);
     }
     ASSERT_TRUE(fncPortOpen(1, kSettings)) << "a failed open leaves nothing behind";
     EXPECT_FALSE(fncPortOpen(1, kSettings));
     EXPECT_EQ(user.texts().back(), notOpening) << "the port is open already";
+}
+
+TEST_F(Port, WithoutRightsIsAFailureThatSaysWhatHelps) {
+    linkPort(1, pty.device());
+    ASSERT_EQ(::chmod(qPrintable(file({})), 0755), 0);
+    ASSERT_EQ(::chmod(qPrintable(pty.device()), 0), 0);
+    const auto openAsNobody = [this] {
+        constexpr uid_t kNobody = 65534;
+        if (::geteuid() == 0 && ::setresuid(kNobody, kNobody, kNobody) != 0)
+            std::_Exit(2);
+        std::_Exit(fncPortOpen(1, kSettings) ? 1 : 0);
+    };
+    EXPECT_EXIT(openAsNobody(), testing::ExitedWithCode(0),
+                "COM1 .*: open: Permission denied.*ユーザーをグループ dialout に追加してください");
 }
 
 TEST_F(Port, StaysAwayFromAPortThatAnotherProgramHolds) {

@@ -1,5 +1,6 @@
 #include "support/pty.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
 #include <stdexcept>
@@ -39,3 +40,13 @@ QByteArray Pty::received() const {
     }
     return all;
 }
+
+Babbler::Babbler(const Pty& pty, QByteArray bytes)
+    : thread_([&pty, bytes = std::move(bytes)](const std::stop_token& stop) {
+          // A full line must not hold the end of the test.
+          ::fcntl(pty.master_, F_SETFL, O_NONBLOCK);
+          pollfd state{pty.master_, POLLOUT, 0};
+          while (!stop.stop_requested())
+              if (::poll(&state, 1, 10) > 0)
+                  (void)!::write(pty.master_, bytes.constData(), static_cast<std::size_t>(bytes.size()));
+      }) {}

@@ -4,6 +4,10 @@
 #include <QByteArray>
 #include <QString>
 
+#include <thread>
+
+class Babbler;
+
 /// A pseudo-terminal with nobody on it: the test writes and reads its far side.
 class Pty {
 public:
@@ -20,6 +24,17 @@ public:
     void unplug();
 
 private:
+    friend Babbler;
+
     int master_ = -1;
     QString device_;
+};
+
+/// Sends the same bytes again and again, as fast as they are taken, for as long as it lives.
+class Babbler {
+public:
+    Babbler(const Pty& pty, QByteArray bytes);
+
+private:
+    std::jthread thread_;
 };

@@ -2,6 +2,7 @@
 #include "transfer/transfer_fixture.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QTimer>
 
 #include <csignal>
@@ -125,6 +126,21 @@ TEST_F(ReadTest, CancelSendsTenCansAndClosesTheRead) {
     gTransferState = kIdleAfterWrite;
     TransferSteps::cancelRead();
     EXPECT_EQ(gTransferState, kIdleAfterWrite) << "only a read that receives can be cancelled";
+}
+
+TEST_F(ReadTest, AUnitThatDoesNotStopSendingCanBeCancelled) {
+    writeFile("saved.bin", "old");
+    gWaits.exchangeMark = 50ms;
+    unitsWith({"flood:20000@block5"});
+    QElapsedTimer clock;
+    clock.start();
+    read([] {
+        if (gReadCount > 128 * 50)
+            TransferSteps::cancelRead();
+    });
+    EXPECT_LT(clock.elapsed(), 10'000);
+    EXPECT_EQ(readFile("saved.bin"), "old");
+    EXPECT_EQ(screen.calls.back(), "enable");
 }
 
 TEST_F(ReadTest, AFileThatCannotBeWrittenIsReportedAndTheOldOneStays) {

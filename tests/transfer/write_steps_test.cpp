@@ -135,6 +135,27 @@ TEST_F(TransferTest, ARefusedStartIsTriedThreeTimesThenClosed) {
     }
 }
 
+TEST_F(TransferTest, AUnitThatDoesNotStopSendingLeavesTheWindowAlive) {
+    gWaits.exchangeMark = 50ms;
+    const std::pair<const char*, QStringList> cases[] = {
+        {"flood:600@packet3", {"Succeed"}},
+        {"flood:600@start",
+         {"Application error. / RES : Before the first block: 10 unexpected bytes came, the last one 55",
+          "It is a receiving timeout error.", "It is a receiving timeout error.", "Failed"}},
+    };
+    for (const auto& [fault, said] : cases) {
+        unitsWith({fault});
+        int ticks = 0;
+        QTimer timer;
+        timer.callOnTimeout([&ticks] { ++ticks; });
+        timer.start(10ms);
+        EXPECT_EQ(write(), kIdleAfterWrite) << fault;
+        EXPECT_EQ(user.said(), said) << fault;
+        EXPECT_GT(ticks, said.size() == 1 ? 20 : 0) << fault;
+        EXPECT_EQ(screen.calls.count("enable"), 1) << fault;
+    }
+}
+
 TEST_F(TransferTest, AStepThatFindsAnotherRunningDoesNothing) {
     unitsWith({"delay:100@packet3"});
     int nested = -1;

@@ -54,6 +54,8 @@ protected:
             ASSERT_NE(dialog, nullptr);
             dialog->selectFile(file(name));
             QMetaObject::invokeMethod(dialog, "accept");
+            if (dialog->isVisible())
+                dialog->reject();
         });
     }
 

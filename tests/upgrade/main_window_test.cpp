@@ -1,6 +1,10 @@
 #include "upgrade/main_window_fixture.h"
 
+#include <QDir>
+
 #include <cmath>
+#include <malloc.h>
+#include <sys/stat.h>
 
 TEST_F(MainWindowTest, StartsWithTheAmplifierAsTargetAndNothingToWrite) {
     EXPECT_EQ(window.windowTitle(), "Dravolt ver1.004");
@@ -82,6 +86,72 @@ TEST_F(MainWindowTest, AFileOfAnotherLengthChangesNothing) {
     EXPECT_EQ(gImageBuf, readFile("a.bin") + '\0') << "the earlier image stays";
     EXPECT_TRUE(button("cmdUpgrade").isEnabled());
     EXPECT_TRUE(user.boxes().empty());
+}
+
+TEST_F(MainWindowTest, WhatIsNoFileIsNoImageAndHoldsNobodyUp) {
+    ASSERT_EQ(::mkfifo(qPrintable(file("pipe")), 0600), 0);
+    ASSERT_TRUE(QFile::link("/dev/zero", file("zeros")));
+    ASSERT_TRUE(QDir().mkdir(file("folder")));
+    for (const char* name : {"pipe", "zeros", "folder"}) {
+        load(name);
+        EXPECT_FALSE(button("cmdUpgrade").isEnabled()) << name;
+        EXPECT_TRUE(window.isEnabled()) << name;
+    }
+    EXPECT_TRUE(user.boxes().empty());
+}
+
+/// Does something to a window's image file at the moment when the window has seen its length and is going to read it.
+class Meddler : public QObject {
+public:
+    Meddler(frmMain& window, std::function<void()> meddle) : window_(window), meddle_(std::move(meddle)) {
+        window_.installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::EnabledChange && !window_.isEnabled())
+            meddle_();
+        return false;
+    }
+
+private:
+    frmMain& window_;
+    std::function<void()> meddle_;
+};
+
+TEST_F(MainWindowTest, AFileThatChangesWhileItIsReadIsReportedUnlessItIsAllThere) {
+    QFile image(file("a.bin"));
+    const QString error = "Application error. / RES : " + image.fileName() + ": ";
+    const std::pair<std::function<bool()>, QString> cases[] = {
+        {[&] { return image.resize(100'000); }, error + "the file ends after 100000 of 245760 bytes"},
+        {[&] { return image.remove(); }, error + "No such file or directory"},
+        {[&] { return image.resize(kImageSize + 1); }, {}},
+    };
+    for (const auto& [meddle, said] : cases) {
+        writeImage("a.bin", "AMPKEY", 13500);
+        const Meddler meddler(window, [&meddle = meddle] { EXPECT_TRUE(meddle()); });
+        load("a.bin");
+        EXPECT_EQ(user.said().join('|'), said);
+        EXPECT_EQ(row(2), said.isEmpty() ? "AMP-A 1.500" : " ");
+        EXPECT_EQ(button("cmdUpgrade").isEnabled(), said.isEmpty());
+        EXPECT_TRUE(window.isEnabled());
+    }
+}
+
+TEST_F(MainWindowTest, LoadsInARowLeaveNothingBehind) {
+    writeImage("a.bin", "AMPKEY", 13500);
+    const auto loadOften = [this](int times) {
+        for (int i = 0; i < times; ++i)
+            load("a.bin");
+    };
+    const auto descriptors = [] { return QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System).size(); };
+    loadOften(20);
+    const qsizetype descriptorsBefore = descriptors();
+    const std::size_t memoryBefore = ::mallinfo2().uordblks;
+    loadOften(200);
+    EXPECT_EQ(descriptors(), descriptorsBefore);
+    EXPECT_LT(::mallinfo2().uordblks, memoryBefore + 100'000);
+    EXPECT_EQ(row(2), "AMP-A 1.500");
 }
 
 TEST_F(MainWindowTest, AVersionWordThatOverflowsIsReportedAndCountsAsZero) {
