@@ -41,6 +41,8 @@ need_tests() {
     need "for the tests of the sleep inhibitor" dbus-daemon
 }
 
+need_manual() { need "to make pages of the manual" python3-markdown; }
+
 need_display() {
     need "for a virtual display and its window frames" xvfb openbox
     need "to work the windows and take pictures" xdotool imagemagick
