@@ -140,7 +140,7 @@ TEST_F(ReadTest, AUnitThatDoesNotStopSendingCanBeCancelled) {
     });
     EXPECT_LT(clock.elapsed(), 10'000);
     EXPECT_EQ(readFile("saved.bin"), "old");
-    EXPECT_EQ(screen.calls.back(), "enable");
+    EXPECT_EQ(screen.calls.back(), "cursor");
 }
 
 TEST_F(ReadTest, AFileThatCannotBeWrittenIsReportedAndTheOldOneStays) {
