@@ -5,7 +5,7 @@
 #include <QStringList>
 
 /// Size of the largest INI file that is read, in bytes; a real one has a few thousand.
-inline constexpr qsizetype kMostIniBytes = 4 * 1'024 * 1'024;
+inline constexpr qsizetype kMostIniBytes = qsizetype{4} * 1'024 * 1'024;
 
 /// Most items that a list value gives; the rest is dropped.
 inline constexpr int kMostListItems = 101;
