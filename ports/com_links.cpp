@@ -41,7 +41,7 @@ SerialDevice deviceNamed(const Machine& machine, const fs::path& device) {
     terminal.node = endOf(device);
     if (terminal.node.empty())
         throw Refusal(said(kNothingThere, {device}));
-    for (SerialDevice& known : serialDevices(machine))
+    for (const SerialDevice& known : serialDevices(machine))
         if (endOf(known.node) == terminal.node)
             return known;
     if (terminal.node.parent_path() != "/dev/pts" || !fs::is_character_file(terminal.node))

@@ -55,10 +55,10 @@ static void makeRoom(QMessageBox& box) {
     constexpr int kFrameAndCloseBox = 120;
     constexpr int kIconAndMargins = 100;
     const QFontMetrics metrics(box.font());
-    const int title = metrics.horizontalAdvance(box.windowTitle()) * 3 / 2 + kFrameAndCloseBox;
-    const int text = textWidth(metrics, box.text().split(QLatin1Char('\n'))) + kIconAndMargins;
+    const int titleRoom = metrics.horizontalAdvance(box.windowTitle()) * 3 / 2 + kFrameAndCloseBox;
+    const int textRoom = textWidth(metrics, box.text().split(QLatin1Char('\n'))) + kIconAndMargins;
     auto* grid = qobject_cast<QGridLayout*>(box.layout());
-    grid->addItem(new QSpacerItem(std::max(title, text), 0), grid->rowCount(), 0, 1, grid->columnCount());
+    grid->addItem(new QSpacerItem(std::max(titleRoom, textRoom), 0), grid->rowCount(), 0, 1, grid->columnCount());
 }
 
 MsgBoxResult showMessageBox(const QString& message, int style, const QString& title) {
