@@ -81,9 +81,12 @@ Script CommandMachine::answer(const std::string& command, Time now) {
     if (silent || command.size() < kCodeSize)
         return {};
     falsify(reply, faults);
+    // Who asks again before a late answer has come takes that one for the answer to this.
+    const bool answersLate = now < answered_;
     if (transfer_)
-        startUnsure_ = transfer_->unsure = !faults.empty();
+        startUnsure_ = transfer_->unsure = !faults.empty() || answersLate;
     Script script = shape(encode(reply), faults);
+    script.excusesEarlyBytes = script.excusesEarlyBytes || answersLate;
     journal_.sent(now, describe(reply), bytesOf(script));
     return script;
 }

@@ -28,7 +28,7 @@ public:
 
     Script begin(Time now) override;
     Script take(std::uint8_t byte, Time now) override;
-    void sent(Time) override {}
+    void sent(Time now) override { answered_ = now; }
     Script timeout(Time now) override;
     std::optional<Time> deadline() const override;
     bool over() const override { return transfer_.has_value(); }
@@ -52,6 +52,7 @@ private:
     bool cancelMayFollow_ = false;
     bool startUnsure_ = false;  ///< the last start of a transfer was carried out, but not answered as it should be
     Time lastByte_{0};
+    Time answered_{0};  ///< when the last answer was complete
 };
 
 }  // namespace units

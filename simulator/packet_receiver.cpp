@@ -222,7 +222,8 @@ Script PacketReceiver::answerControl(std::uint8_t control, const ActiveFaults& f
     if (const Fault* cancel = faults.find(FaultKind::can); cancel != nullptr && cancel->number >= 2)
         state_ = State::over;
     Script script = faults.has(FaultKind::silence) ? Script{{Step{}}} : shape({control}, faults);
-    script.excusesEarlyBytes = outOfStep_;
+    // A client that does not know of the download may be sending a command when it is asked to start.
+    script.excusesEarlyBytes = outOfStep_ || (unsure_ && state_ == State::starting);
     return script;
 }
 

@@ -10,6 +10,13 @@
 #include <map>
 #include <optional>
 
+#ifdef __SANITIZE_ADDRESS__
+/// The end of the program, which is thrown here, robs QPushButton::click() of its clean-up.
+extern "C" const char* __lsan_default_suppressions() {
+    return "leak:QtSharedPointer::ExternalRefCountData::getAndRef\n";
+}
+#endif
+
 namespace {
 
 enum class Work { write, save };
@@ -69,7 +76,8 @@ public:
         gWaits.operationReply = 150ms;
         gWaits.transferStart = 600ms;
         // A busy machine can be late itself: no shorter a wait than the fault asks for.
-        if (fault.find("@packet") != std::string::npos || fault.find("@eot") != std::string::npos)
+        if (fault.find("@packet") != std::string::npos || fault.find("@eot") != std::string::npos ||
+            fault.starts_with("delay:400"))
             gWaits.packetAnswer = 150ms;
         gWaits.readSilence = 200ms;
         writeFile("Setting.INI", "[OPERATION]\nLanguage=ENGLISH\n[IFU]\nCOM=1\n");
@@ -154,17 +162,22 @@ std::optional<qsizetype> dueRecords(const std::string& fault, const std::vector<
     for (const char* kind : {"garble", "noise", "repeat", "delay:400"})
         if (fault.starts_with(kind))
             return std::nullopt;
+    // Start characters come into the replies to what the program asks next.
+    if (fault.find("@300551") != std::string::npos)
+        return std::nullopt;
     if (!fault.starts_with("bcc@") && !fault.starts_with("cut:12@"))
         return 0;
     const std::string command =
         fault.substr(fault.find('@') + 1).substr(0, fault.find_first_of("#*") - fault.find('@') - 1);
     const auto asked = std::count(requests.begin(), requests.end(), command) - (fault.find("#2") != std::string::npos);
-    // A unit that has carried out "51" refuses it from then on, and a spoiled refusal leaves no record.
-    return fault.ends_with("*all") && command != "300551010C00" ? asked : std::min<qsizetype>(asked, 1);
+    return fault.ends_with("*all") ? asked : std::min<qsizetype>(asked, 1);
 }
 
-/// Whether the spoiled block of a read goes unnoticed: a read looks at no check byte and no block number.
+/// Whether a spoiled block of a read goes unnoticed: a read looks at no check byte and no block number. A reply that
+/// comes too late can become the beginning of the first block.
 bool escapesARead(const std::string& fault) {
+    if (fault.starts_with("delay:400@300552"))
+        return true;
     return fault.find("@block") != std::string::npos &&
            (fault.starts_with("garble") || fault.starts_with("noise") || fault.starts_with("repeat"));
 }
@@ -210,7 +223,7 @@ void Sweep::recover(Session& session, Work work, const std::string& fault) {
     if (fault.ends_with("*all"))
         return;
     if (!fault.starts_with("unplug")) {
-        // What was late the first time may still be on the line the second time.
+        // A unit that has carried out a lost request refuses it the second time.
         const auto works = [&session] { return session.work() && session.isDone(); };
         EXPECT_TRUE(session.hasEnded() || (entered && (works() || works())));
     } else if (!entered) {
