@@ -4,6 +4,7 @@ target_compile_options(dravolt_options INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast -Wnon-virtual-dtor
   -Woverloaded-virtual -Wcast-qual -Wcast-align -Wformat=2 -Wundef -Wnull-dereference -Wimplicit-fallthrough -Werror
   -fstack-protector-strong -fstack-clash-protection -ffunction-sections -fdata-sections
+  $<$<AND:$<CXX_COMPILER_ID:GNU>,$<BOOL:${CMAKE_UNITY_BUILD}>>:-Wno-subobject-linkage>
   $<$<CXX_COMPILER_ID:GNU>:-Wduplicated-cond -Wlogical-op -Wuseless-cast>
   $<$<CONFIG:Release>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -D_GLIBCXX_ASSERTIONS>
   $<$<CONFIG:Debug>:-D_GLIBCXX_ASSERTIONS>)

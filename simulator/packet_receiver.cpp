@@ -16,8 +16,9 @@ constexpr std::size_t kHeaderSize = 3;
 /// Kinds after which the units behave as if the packet or end had not come.
 bool withholdsResult(const ActiveFaults& faults) {
     using enum FaultKind;
-    constexpr FaultKind kKinds[] = {silence, nak, can, unplug, mute};
-    return std::any_of(std::begin(kKinds), std::end(kKinds), [&](FaultKind kind) { return faults.has(kind); });
+    constexpr FaultKind kWithholding[] = {silence, nak, can, unplug, mute};
+    return std::any_of(std::begin(kWithholding), std::end(kWithholding),
+                       [&](FaultKind kind) { return faults.has(kind); });
 }
 
 std::string withFaults(const std::string& meaning, const ActiveFaults& faults, const char* answer) {
