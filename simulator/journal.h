@@ -3,8 +3,6 @@
 #include "simulator/bytes.h"
 #include "simulator/options.h"
 
-#include <chrono>
-#include <condition_variable>
 #include <fstream>
 #include <mutex>
 #include <span>
@@ -34,14 +32,13 @@ public:
     std::vector<std::string> violations() const;
     std::vector<std::string> requests() const;
 
-    /// Waits until a line contains the text; false if none does within the time.
-    bool waitFor(std::string_view text, std::chrono::milliseconds timeout) const;
+    /// Whether a line contains the text.
+    bool contains(std::string_view text) const;
 
 private:
     void write(Time at, std::string_view direction, std::string_view meaning, std::span<const std::uint8_t> bytes);
 
     mutable std::mutex mutex_;
-    mutable std::condition_variable grown_;
     std::ofstream file_;
     bool violationsToStderr_;
     std::vector<std::string> lines_;

@@ -24,7 +24,7 @@ TEST_F(IniFile, ValuesFollowTheReadingRules) {
                        "Tab=a\tb\n"
                        "twice = first\ntwice = second\n"
                        "long = " +
-                           QByteArray(130, 'x') +
+                           QByteArray(1'000'000, 'x') +
                            "\n"
                            "no value\n"
                            "[two]\nplain = other\n"

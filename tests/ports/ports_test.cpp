@@ -15,6 +15,13 @@ namespace fs = std::filesystem;
 
 namespace ports::test {
 
+/// This program, as the kernel calls it.
+static std::string commandName() {
+    std::string name;
+    std::getline(std::ifstream("/proc/self/comm"), name);
+    return name;
+}
+
 /// A machine with a built-in port, one that exists in name only, and an adapter with two ports: the second, ttyUSB10,
 /// has a driver, a stable name and a real pseudo-terminal behind it.
 class Ports : public ::testing::Test {
@@ -105,8 +112,8 @@ TEST_F(Ports, AreListedAsTheKernelDescribesThem) {
                           "/dev/ttyUSB10  COM2\n"
                           "    FTDI USB UART [0403:6001], driver ftdi_sio, serial number A5\n"
                           "    stable name /dev/serial/by-id/usb-FTDI-A5-if01-port0\n"
-                          "    in use by ports_test (process " +
-                          std::to_string(::getpid()) +
+                          "    in use by " +
+                          commandName() + " (process " + std::to_string(::getpid()) +
                           ")\n"
                           "    you may open it\n\n"
                           "COM links in /programs:\n"

@@ -122,7 +122,7 @@ TEST_F(ReadTest, CancelSendsTenCansAndClosesTheRead) {
     EXPECT_EQ(readFile("saved.bin"), "old");
     EXPECT_EQ(requests().back(), "300553010000");
     EXPECT_TRUE(simulator->violations().empty()) << simulator->violations().front();
-    EXPECT_TRUE(simulator->waitFor("upload cancelled by the client", 0ms));
+    EXPECT_TRUE(simulator->hasNoted("upload cancelled by the client"));
     gTransferState = kIdleAfterWrite;
     TransferSteps::cancelRead();
     EXPECT_EQ(gTransferState, kIdleAfterWrite) << "only a read that receives can be cancelled";

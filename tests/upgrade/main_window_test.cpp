@@ -196,7 +196,7 @@ TEST_F(MainWindowTest, DuringARunTheWindowIsDisabledAndOnlyClosingItActs) {
     bool looked = false;
     probe.callOnTimeout([&] {
         QWidget* dialog = progressDialog();
-        if (looked || dialog == nullptr || !dialog->isVisible() || !simulator->waitFor("packet 899", 0ms))
+        if (looked || dialog == nullptr || !dialog->isVisible() || !simulator->hasNoted("packet 899"))
             return;
         looked = true;
         EXPECT_FALSE(window.isEnabled());

@@ -94,10 +94,10 @@ TEST_F(ServiceTest, OnlyAReadCanBeCancelled) {
     probe.callOnTimeout([&] {
         if (cancelButton() == nullptr)
             return;
-        if (simulator->waitFor("packet 899", 0ms) && gTransferState == kIdleAfterRead) {
+        if (simulator->hasNoted("packet 899") && gTransferState == kIdleAfterRead) {
             writing = true;
             EXPECT_FALSE(cancelButton()->isVisible());
-        } else if (gTransferState == kReceivingBlocks && simulator->waitFor("block 200 ", 0ms)) {
+        } else if (gTransferState == kReceivingBlocks && simulator->hasNoted("block 200 ")) {
             reading = true;
             EXPECT_TRUE(cancelButton()->isVisible());
             cancelButton()->click();
