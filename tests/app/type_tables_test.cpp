@@ -6,50 +6,39 @@
 
 #include <cmath>
 
-TEST(Numbers, TheLongestLeadingPartCounts) {
+TEST(Numbers, TheLongestLeadingPartCountsAndHalvesGoToTheEvenNumber) {
     const std::pair<const char*, double> cases[] = {
-        {"12000", 12000},  {" 1 2 0 0 0 kg", 12000},
-        {"-1.5e2x", -150}, {"+.5", .5},
-        {"3.", 3},         {"&H1F", 31},
-        {"&hffzz", 255},   {"abc", 0},
-        {"", 0},           {"e5", 0},
-        {"1e", 1},         {"&H", 0},
-        {"-", 0},          {".", 0},
-        {"1D2", 100},      {"0x10", 0},
+        {" 1 2 0 0 0 kg", 12000},
+        {"-1.5e2x", -150},
+        {"+.5", .5},
+        {"3.", 3},
+        {"&H1F", 31},
+        {"&hffzz", 255},
+        {"abc", 0},
+        {"", 0},
+        {"e5", 0},
+        {"1e", 1},
+        {"&H", 0},
+        {"-", 0},
+        {"1D2", 100},
+        {"0x10", 0},
         {"１２", 0},
     };
     for (const auto& [text, value] : cases)
-        EXPECT_EQ(leadingNumber(QString::fromUtf8(text)), value) << text;
-    EXPECT_TRUE(std::isinf(leadingNumber("1e999")) || leadingNumber("1e999") == 0) << "no crash, no nonsense";
-}
-
-TEST(Numbers, HalvesGoToTheEvenNumberAndOverflowIsAFailure) {
-    EXPECT_EQ(toInt16(2.6), 3);
+        EXPECT_EQ(leadingNumber(text), value) << text;
     EXPECT_EQ(toInt16(2.5), 2);
     EXPECT_EQ(toInt16(3.5), 4);
     EXPECT_EQ(toInt16(-32768.4), -32768);
     EXPECT_THROW(toInt16(32767.5), RuntimeFailure);
-    EXPECT_THROW(toInt32(2147483648.0), RuntimeFailure);
     EXPECT_THROW(toInt32(std::nan("")), RuntimeFailure);
 }
 
-class TypeTables : public ProgramTest {
-protected:
-    TypeTables() {
-        writeFile("TYPE.INI", "[AMP_TYPE]\n"
-                              "0A = 12000, TYPE-A ,x,22000,TYPE-B\n"
-                              "0B = 12000,TYPE-A,x\n"
-                              "0C = 12000\n"
-                              "0D = -3e9,TYPE-D\n"
-                              "[IFU_TYPE]\n"
-                              "MODEL 1 = D1, further\n"
-                              "MODEL 2 = D2\n"
-                              "[IFU_DEFINE]\n"
-                              "D1 = IFU-1\n");
-    }
-};
+class TypeTables : public ProgramTest {};
 
-TEST_F(TypeTables, ANumberBelongsToTheRangeThatItLiesIn) {
+TEST_F(TypeTables, GiveNameAndVersionOfAUnit) {
+    writeFile("TYPE.INI",
+              "[AMP_TYPE]\n0A = 12000, TYPE-A ,x,22000,TYPE-B\n0B = 12000,TYPE-A,x\n0C = 12000\n"
+              "0D = -3e9,TYPE-D\n[IFU_TYPE]\nMODEL 1 = D1, further\nMODEL 2 = D2\n[IFU_DEFINE]\nD1 = IFU-1\n");
     struct {
         const char* kind;
         int number;
@@ -57,25 +46,20 @@ TEST_F(TypeTables, ANumberBelongsToTheRangeThatItLiesIn) {
         const char* name;
         int offset;
     } const cases[] = {
-        {"0A", 12000, true, "TYPE-A", 0},  {"0a", 13500, true, "TYPE-A", 1500}, {"0A", 21999, true, "TYPE-A", 9999},
-        {"0A", 22050, true, "TYPE-B", 50}, {"0A", 11999, false, "", 0},         {"0A", 32000, false, "", 0},
-        {"0B", 22000, false, "", 0},       {"FF", 12000, false, "before", 7},
+        {"0a", 12000, true, "TYPE-A", 0},  {"0A", 21999, true, "TYPE-A", 9999}, {"0A", 22050, true, "TYPE-B", 50},
+        {"0A", 11999, false, "", 0},       {"0A", 32000, false, "", 0},         {"0B", 22000, false, "", 0},
+        {"FF", 12000, false, "before", 7},
     };
     for (const auto& c : cases) {
         QString name = "before";
         std::int32_t offset = 7;
         EXPECT_EQ(fncGetAmpType(c.kind, c.number, name, offset), c.found) << c.kind << " " << c.number;
-        EXPECT_EQ(name, c.name) << c.kind << " " << c.number;
-        EXPECT_EQ(offset, c.offset) << c.kind << " " << c.number;
+        EXPECT_TRUE(name == c.name && offset == c.offset) << c.kind << " " << c.number;
     }
     QString name;
     std::int32_t offset = 0;
     EXPECT_THROW(fncGetAmpType("0C", 12000, name, offset), RuntimeFailure) << "an entry without a name";
     EXPECT_THROW(fncGetAmpType("0D", 1, name, offset), RuntimeFailure) << "a difference above 32 bits";
-}
-
-TEST_F(TypeTables, AnInterfaceUnitIsFoundThroughItsDefineKey) {
     EXPECT_EQ(fncGetIfuDefine("  model 1 ", "IFU_TYPE"), "IFU-1");
-    EXPECT_EQ(fncGetIfuDefine("MODEL 2", "IFU_TYPE"), "");
-    EXPECT_EQ(fncGetIfuDefine("MODEL 1", "IFU_BIN_TYPE"), "");
+    EXPECT_EQ(fncGetIfuDefine("MODEL 2", "IFU_TYPE") + fncGetIfuDefine("MODEL 1", "IFU_BIN_TYPE"), "");
 }

@@ -36,11 +36,6 @@ inline Bytes packet(unsigned number, CheckMode mode = CheckMode::crc) {
     return bytes;
 }
 
-/// The end code, command, response and data of a reply frame; empty if it is none.
-inline std::string contentOf(const Bytes& reply) {
-    return reply.size() < 7 ? std::string() : std::string(reply.begin() + 5, reply.end() - 2);
-}
-
 /// Tells a machine that its script has been sent, and returns what that was.
 inline Bytes perform(Machine& machine, const Script& script, Time now) {
     if (!script.steps.empty())

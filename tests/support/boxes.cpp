@@ -5,36 +5,26 @@
 #include <QMessageBox>
 #include <QTimer>
 
-#include <utility>
-
 BoxOperator::BoxOperator() { qApp->installEventFilter(this); }
 
-BoxOperator::~BoxOperator() { qApp->removeEventFilter(this); }
-
-QStringList BoxOperator::texts() const {
+QStringList BoxOperator::said() {
     QStringList texts;
-    for (const Box& box : boxes_)
-        texts += QString(box.text).replace(QLatin1Char('\n'), QStringLiteral(" / "));
-    return texts;
+    for (; told_ < boxes_.size(); ++told_)
+        texts += boxes_[told_].text;
+    return texts.replaceInStrings(QStringLiteral("\n"), QStringLiteral(" / "));
 }
-
-QStringList BoxOperator::said() { return texts().mid(std::exchange(told_, static_cast<qsizetype>(boxes_.size()))); }
 
 bool BoxOperator::eventFilter(QObject* watched, QEvent* event) {
     auto* box = event->type() == QEvent::Show ? qobject_cast<QMessageBox*>(watched) : nullptr;
     if (box == nullptr)
         return false;
-    Box seen{box->windowTitle(), box->text(), box->icon(), {}};
+    boxes_.push_back({box->windowTitle(), box->text(), box->icon(), {}});
     const QList<QAbstractButton*> buttons = box->buttons();
     for (const QAbstractButton* button : buttons)
-        seen.buttons += button->text();
-    boxes_.push_back(seen);
-    int answer = 0;
-    if (!answers_.empty()) {
-        answer = answers_.front();
+        boxes_.back().buttons += button->text();
+    QAbstractButton* pressed = buttons.at(answers_.empty() ? 0 : answers_.front());
+    if (!answers_.empty())
         answers_.pop_front();
-    }
-    QAbstractButton* pressed = buttons.at(answer);
     QTimer::singleShot(0, box, [pressed] { pressed->click(); });
     return false;
 }

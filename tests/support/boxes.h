@@ -19,17 +19,13 @@ struct Box {
 class BoxOperator : public QObject {
 public:
     BoxOperator();
-    ~BoxOperator() override;
 
     /// Presses the button `number` (0 the first) of the next box that has not got its answer yet; later boxes get OK.
     void answerNext(int number) { answers_.push_back(number); }
 
     const std::vector<Box>& boxes() const { return boxes_; }
 
-    /// Texts of the boxes so far, in order, with " / " for a line break.
-    QStringList texts() const;
-
-    /// Texts of the boxes since the last call.
+    /// Texts of the boxes since the last call, in order, with " / " for a line break.
     QStringList said();
 
 protected:
@@ -37,6 +33,6 @@ protected:
 
 private:
     std::vector<Box> boxes_;
-    qsizetype told_ = 0;
+    std::size_t told_ = 0;
     std::deque<int> answers_;
 };

@@ -41,27 +41,30 @@ protected:
         writeFile(name, bytesOf(units::makeImage(key, version, version)));
     }
 
-    /// Presses "Loading file" and chooses `name` in the dialog.
-    void load(const QString& name) {
-        chooseInDialog(name);
+    /// Presses "Loading file" and chooses `name` in the dialog; `meanwhile` happens when the window has seen the file's
+    /// length and is going to read it.
+    void load(
+        const QString& name, const std::function<void()>& meanwhile = [] {}) {
+        chooseInDialog(name, meanwhile);
         button("cmdLoading").click();
     }
 
-    /// Chooses `name` in the file dialog that the next click opens.
-    void chooseInDialog(const QString& name) {
-        QTimer::singleShot(0, &window, [this, name] {
+    /// Chooses `name` in the file dialog that the next click opens; `then` happens when events are served again.
+    void chooseInDialog(const QString& name, const std::function<void()>& then) {
+        QTimer::singleShot(0, &window, [this, name, then] {
             auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
             ASSERT_NE(dialog, nullptr);
             dialog->selectFile(file(name));
             QMetaObject::invokeMethod(dialog, "accept");
             if (dialog->isVisible())
                 dialog->reject();
+            QTimer::singleShot(0, &window, then);
         });
     }
 
     /// Presses "Save the present firmware", chooses `name` and lets the run come to its end.
     void save(const QString& name) {
-        chooseInDialog(name);
+        chooseInDialog(name, [] {});
         button("cmdPresent").click();
         waitServingEvents(30s, [] { return gTransferState == kIdleAfterRead; });
     }
