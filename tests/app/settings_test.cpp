@@ -16,12 +16,7 @@ protected:
 };
 
 TEST_F(Settings, LanguageAndPortComeFromTheFile) {
-    struct {
-        const char* language;
-        int selector;
-        const char* port;
-        int number;
-    } const cases[] = {
+    const std::tuple<const char*, int, const char*, int> cases[] = {
         {"JAPANESE ' remark", 0, "3", 3},
         {"japanese", 1, "abc", 1},
         {"JAPANESE", 0, "2.6", 3},
@@ -29,13 +24,13 @@ TEST_F(Settings, LanguageAndPortComeFromTheFile) {
         {"E", 1, "-1", -1},
         {"E", 1, "40000", 1},
     };
-    for (const auto& c : cases) {
-        writeFile("Setting.INI", QByteArray("[operation]\nLANGUAGE=") + c.language + "\n[ifu]\ncom=" + c.port + "\n");
-        const bool overflow = QLatin1String(c.port) == QLatin1String("40000");
+    for (const auto& [language, selector, port, number] : cases) {
+        writeFile("Setting.INI", QByteArray("[operation]\nLANGUAGE=") + language + "\n[ifu]\ncom=" + port + "\n");
+        const bool overflow = QLatin1String(port) == QLatin1String("40000");
         EXPECT_EQ(fncReadSetting(), !overflow);
-        EXPECT_EQ(gLanguage, c.selector) << c.language;
-        EXPECT_EQ(gComPort, c.number) << c.port;
-        EXPECT_EQ(user.said().size(), overflow ? 1 : 0) << c.port;
+        EXPECT_EQ(gLanguage, selector) << language;
+        EXPECT_EQ(gComPort, number) << port;
+        EXPECT_EQ(user.said().size(), overflow ? 1 : 0) << port;
     }
 }
 

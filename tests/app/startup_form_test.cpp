@@ -41,12 +41,8 @@ TEST_F(StartUp, EndsTheProgramOrHandsOverAfterWhatTheUnitsAnswer) {
                                "power supply.";
     const QString notConnected = "Unit connection state is unusual.";
     const QString timeOut = "It is a receiving timeout error.";
-    struct {
-        const char* fault;
-        int requests;
-        const char* rows;  ///< null: the program ends
-        QStringList said;
-    } const cases[] = {
+    // what the units do, requests until then, rows of the units (null: the program ends), what is said
+    const std::tuple<const char*, int, const char*, QStringList> cases[] = {
         {"", 5, "AMP-A 0.500, IFU-D 1.004", {}},
         {"response:1004@0601", 2, " ,  ", {}},
         {"response:2204@0101D4", 3, " ,  ", {}},
@@ -60,22 +56,22 @@ TEST_F(StartUp, EndsTheProgramOrHandsOverAfterWhatTheUnitsAnswer) {
         {"data:00 0@0601", 2, nullptr, {notConnected}},
         {"data:01 2@0601", 2, nullptr, {notConnected}},
     };
-    for (const auto& c : cases) {
+    for (const auto& [fault, count, rows, said] : cases) {
         frmStartUp startUp(mainWindow);
         gAmpTypeName = gAmpVersion = gIfuTypeName = gIfuVersion = QString();
         mainWindow.calls.clear();
-        plug({c.fault});
-        if (c.rows == nullptr) {
-            EXPECT_THROW(startUp.load(), ProgramEnded) << c.fault;
+        plug({fault});
+        if (rows == nullptr) {
+            EXPECT_THROW(startUp.load(), ProgramEnded) << fault;
         } else {
             startUp.load();
-            EXPECT_EQ(gAmpTypeName + ' ' + gAmpVersion + ", " + gIfuTypeName + ' ' + gIfuVersion, c.rows) << c.fault;
-            EXPECT_EQ(mainWindow.calls, QStringList({"create", "rows", "show"})) << c.fault;
+            EXPECT_EQ(gAmpTypeName + ' ' + gAmpVersion + ", " + gIfuTypeName + ' ' + gIfuVersion, rows) << fault;
+            EXPECT_EQ(mainWindow.calls, QStringList({"create", "rows", "show"})) << fault;
         }
-        EXPECT_FALSE(startUp.isVisible() && c.rows != nullptr) << c.fault;
-        EXPECT_EQ(user.said(), c.said) << c.fault;
-        EXPECT_EQ(requests(), std::vector<std::string>(all.begin(), all.begin() + c.requests)) << c.fault;
-        EXPECT_TRUE(simulator->violations().empty()) << c.fault;
+        EXPECT_FALSE(startUp.isVisible() && rows != nullptr) << fault;
+        EXPECT_EQ(user.said(), said) << fault;
+        EXPECT_EQ(requests(), std::vector<std::string>(all.begin(), all.begin() + count)) << fault;
+        EXPECT_TRUE(simulator->violations().empty()) << fault;
     }
 }
 
@@ -112,19 +108,15 @@ TEST_F(StartUp, APortThatDoesNotOpenIsSaidAndThePortsAreOffered) {
 }
 
 TEST(Attributes, ModelAndVersionAreCutOutOfTheText) {
-    struct {
-        const char* text;
-        const char* model;
-        const char* version;
-    } const cases[] = {
+    const std::tuple<const char*, const char*, const char*> cases[] = {
         {"SV-IFU16        V1.004", "SV-IFU16", "1.004"},
         {"VVVVVVVVVVVVVVVV12", "VVVVVVVVVVVVVVVV", "12"},
         {"  M             v9 V 2.5 more", "M", "2.5 m"},
         {"V1.0", "V1.0", ""},
         {"0123456789ABCDEFV1234567", "0123456789ABCDEF", "123456"},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(attributeModel(c.text), c.model);
-        EXPECT_EQ(attributeVersion(c.text), c.version);
+    for (const auto& [text, model, version] : cases) {
+        EXPECT_EQ(attributeModel(text), model);
+        EXPECT_EQ(attributeVersion(text), version);
     }
 }

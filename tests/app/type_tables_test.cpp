@@ -39,22 +39,16 @@ TEST_F(TypeTables, GiveNameAndVersionOfAUnit) {
     writeFile("TYPE.INI",
               "[AMP_TYPE]\n0A = 12000, TYPE-A ,x,22000,TYPE-B\n0B = 12000,TYPE-A,x\n0C = 12000\n"
               "0D = -3e9,TYPE-D\n[IFU_TYPE]\nMODEL 1 = D1, further\nMODEL 2 = D2\n[IFU_DEFINE]\nD1 = IFU-1\n");
-    struct {
-        const char* kind;
-        int number;
-        bool found;
-        const char* name;
-        int offset;
-    } const cases[] = {
+    const std::tuple<const char*, int, bool, const char*, int> cases[] = {
         {"0a", 12000, true, "TYPE-A", 0},  {"0A", 21999, true, "TYPE-A", 9999}, {"0A", 22050, true, "TYPE-B", 50},
         {"0A", 11999, false, "", 0},       {"0A", 32000, false, "", 0},         {"0B", 22000, false, "", 0},
         {"FF", 12000, false, "before", 7},
     };
-    for (const auto& c : cases) {
+    for (const auto& [kind, number, found, expectedName, expectedOffset] : cases) {
         QString name = "before";
         std::int32_t offset = 7;
-        EXPECT_EQ(fncGetAmpType(c.kind, c.number, name, offset), c.found) << c.kind << " " << c.number;
-        EXPECT_TRUE(name == c.name && offset == c.offset) << c.kind << " " << c.number;
+        EXPECT_EQ(fncGetAmpType(kind, number, name, offset), found) << kind << " " << number;
+        EXPECT_TRUE(name == expectedName && offset == expectedOffset) << kind << " " << number;
     }
     QString name;
     std::int32_t offset = 0;

@@ -40,13 +40,8 @@ TEST(PacketReceiver, RefusesEverySingleBitError) {
 }
 
 TEST(PacketReceiver, RefusesWhatIsOutOfOrderAndGoesOn) {
-    struct Case {
-        unsigned sentBefore;
-        Bytes bytes;
-        Bytes answer;
-        std::vector<std::string> violations;  // none: a cancellation
-    };
-    const Case cases[] = {
+    // packets before, what comes then, its answer, violations (none: a cancellation)
+    const std::tuple<unsigned, Bytes, Bytes, std::vector<std::string>> cases[] = {
         {3, packet(5), {}, {"packet number 5 after 3 blocks"}},
         {0, packet(0), {}, {"packet number 0 after 0 blocks"}},
         {3, packet(2), {}, {"packet number 2 after 3 blocks"}},
@@ -60,45 +55,41 @@ TEST(PacketReceiver, RefusesWhatIsOutOfOrderAndGoesOn) {
         {0, {kCan, kCan}, {}, {}},
         {7, {kSoh, 8, 0xF7, 1, kCan, kCan}, {}, {}},
     };
-    for (const Case& wrong : cases) {
-        const std::string name = hexDump(wrong.bytes).substr(0, 20);
+    for (const auto& [sentBefore, bytes, answer, violations] : cases) {
+        const std::string name = hexDump(bytes).substr(0, 20);
         Download download(CheckMode::crc);
-        for (unsigned number = 1; number <= wrong.sentBefore; ++number)
+        for (unsigned number = 1; number <= sentBefore; ++number)
             ASSERT_EQ(download.feed(packet(number)), Bytes{kAck}) << number;
-        EXPECT_EQ(download.feed(wrong.bytes), wrong.answer) << name;
-        if (wrong.answer.empty() && !download.receiver.over())
+        EXPECT_EQ(download.feed(bytes), answer) << name;
+        if (answer.empty() && !download.receiver.over())
             pass(download.receiver, download.now);
-        EXPECT_EQ(download.journal.violations(), wrong.violations) << name;
+        EXPECT_EQ(download.journal.violations(), violations) << name;
         EXPECT_EQ(download.accepted, Bytes()) << name;
-        const bool complete = wrong.sentBefore == 1920;
-        const Bytes next = complete ? Bytes{kEot} : packet(wrong.sentBefore + 1);
-        EXPECT_EQ(download.receiver.over(), wrong.violations.empty()) << name;
+        const bool complete = sentBefore == 1920;
+        const Bytes next = complete ? Bytes{kEot} : packet(sentBefore + 1);
+        EXPECT_EQ(download.receiver.over(), violations.empty()) << name;
         EXPECT_TRUE(download.receiver.over() || download.feed(next) == Bytes{kAck}) << name;
         EXPECT_EQ(download.accepted, complete ? image() : Bytes()) << name;
     }
 }
 
 TEST(BlockSender, ReportsAnyWrongAnswer) {
-    struct Case {
-        Bytes answers;
-        std::vector<std::string> violations;  // none: a cancellation
-    };
-    const Case cases[] = {{{kCrcStart}, {"byte that does not answer a block: 43"}},
+    const std::tuple<Bytes, std::vector<std::string>> cases[] = {{{kCrcStart}, {"byte that does not answer a block: 43"}},
                           {{kAck}, {"byte that does not answer a block: 06"}},
                           {{kNak, kStx, 0x30, 0x30}, {"byte that does not answer a block: 02"}},
                           {{kNak, kCan, kAck}, {"a single CAN"}},
                           {{kNak, kAck, kAck, kAck, kAck}, {"ACK of the first EOT"}},
                           {{kNak, kAck, kAck, kAck, kNak, kNak}, {"NAK of a later EOT than the first"}},
                           {{kNak, kAck, kCan, kCan}, {}}};
-    for (const Case& wrong : cases) {
+    for (const auto& [answers, violations] : cases) {
         Journal journal;
         FaultBook faults{{}};
         Time now{0};
         BlockSender sender(image(), 3, false, faults, journal, Timing{});
         sender.begin(now);
-        feed(sender, wrong.answers, now);
-        EXPECT_EQ(journal.violations(), wrong.violations);
-        EXPECT_TRUE(sender.over() || !wrong.violations.empty());
+        feed(sender, answers, now);
+        EXPECT_EQ(journal.violations(), violations);
+        EXPECT_TRUE(sender.over() || !violations.empty());
     }
 }
 

@@ -14,12 +14,7 @@ protected:
 };
 
 TEST_F(MessageBox, InsertsStandWhereTheMessageHasThem) {
-    struct {
-        int id;
-        const char* insert;
-        const char* english;
-        const char* japanese;
-    } const cases[] = {
+    const std::tuple<int, const char*, const char*, const char*> cases[] = {
         {IDS_MSGDATA_COMM_PORT, "5", "The present communication port(COM5)is not effective.",
          "現在の通信ポート(COM5)は有効ではありません"},
         {IDS_MSGERR_COMM_TIMEOUT2, "Broken.", "Broken. / Application is shut down by [cancel]. / ",
@@ -28,12 +23,12 @@ TEST_F(MessageBox, InsertsStandWhereTheMessageHasThem) {
          "アプリケーションで異常が発生しました。 / RES : <b>1 %1"},
         {IDS_MSGERR_COMM_TIMEOUT, "", "It is a receiving timeout error.", "受信タイムアウトエラーです。"},
     };
-    for (const auto& c : cases) {
+    for (const auto& [id, insert, english, japanese] : cases) {
         gLangOffset = 10000;
-        fncMsgBox(c.id, kCritical, c.insert);
+        fncMsgBox(id, kCritical, insert);
         gLangOffset = 0;
-        fncMsgBox(c.id, kCritical, c.insert);
-        EXPECT_EQ(user.said(), QStringList({c.english, c.japanese}));
+        fncMsgBox(id, kCritical, insert);
+        EXPECT_EQ(user.said(), QStringList({english, japanese}));
         EXPECT_EQ(user.boxes().back().title, "Dravolt");
     }
     EXPECT_EQ(fncMsgBox(999, kCritical), kBoxFailed);

@@ -60,11 +60,7 @@ TEST_F(WriteTest, WhatTheUnitDoesToPacketsEndsAsItMust) {
     const QString cancelled = "the unit cancelled the transfer (CAN)";
     const QString begin = "Before the first block: ";
     const QString end = "At the end of the image (EOT): ";
-    struct {
-        std::vector<std::string> faults;
-        std::chrono::milliseconds wait;
-        QString failure;  ///< empty: the write succeeds
-    } const cases[] = {
+    const std::tuple<std::vector<std::string>, std::chrono::milliseconds, QString> cases[] = {
         {{"nak@packet5*9"}, kLong, ""},
         {{"nak@packet5*10"}, kLong, "Block 5 of 1920: " + refused},
         {{"nak@packet3*5", "silence@packet3#6*4"}, kShort, ""},
@@ -82,11 +78,11 @@ TEST_F(WriteTest, WhatTheUnitDoesToPacketsEndsAsItMust) {
         {{"nak@eot*10"}, kLong, end + refused},
         {{"can:2@eot"}, kLong, end + cancelled},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.faults.front());
-        EXPECT_EQ(write(c.faults, c.wait), c.failure.isEmpty()
+    for (const auto& [faults, wait, failure] : cases) {
+        SCOPED_TRACE(faults.front());
+        EXPECT_EQ(write(faults, wait), failure.isEmpty()
                                                ? QStringList{"Succeed"}
-                                               : QStringList({"Application error. / RES : " + c.failure, "Failed"}));
+                                               : QStringList({"Application error. / RES : " + failure, "Failed"}));
     }
 }
 
@@ -95,22 +91,17 @@ TEST_F(WriteTest, ARefusedStartIsTriedThreeTimesThenClosed) {
     const QString failed51 = "Application error. / RES : The unit did not carry out command 51 in three attempts; its "
                              "last answer: ";
     const QString box1234 = "Communication error. / Application is shut down by [cancel]. / ";
-    struct {
-        std::string fault;
-        std::chrono::milliseconds wait;
-        std::vector<std::string> requests;
-        QStringList said;
-    } const cases[] = {
+    const std::tuple<std::string, std::chrono::milliseconds, std::vector<std::string>, QStringList> cases[] = {
         {"response:2203@300550*2", kLong, {c50, c50, c50, c51, c54, c53}, {"Succeed"}},
         {"response:1234@300550*3", kLong, {c50, c50, c50, c54, c53}, {box1234, "Failed"}},
         {"response:2203@300551*2", kLong, {c50, c51, c51, c51, c54, c53}, {"Succeed"}},
         {"silence@300551*3", kShort, {c50, c51, c51, c51, c54, c53}, {failed51 + "9999", "Failed"}},
         {"bcc@300551*3", kLong, {c50, c51, c51, c51, c54, c53}, {failed51 + "unusable", "Failed"}},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.fault);
-        EXPECT_EQ(write({c.fault}, c.wait), c.said);
-        EXPECT_EQ(requests(), c.requests);
+    for (const auto& [fault, wait, sent, said] : cases) {
+        SCOPED_TRACE(fault);
+        EXPECT_EQ(write({fault}, wait), said);
+        EXPECT_EQ(requests(), sent);
     }
 }
 

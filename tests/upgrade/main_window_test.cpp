@@ -23,11 +23,7 @@ TEST_F(MainWindowTest, StartsWithTheAmplifierAsTargetAndNothingToWrite) {
 }
 
 TEST_F(MainWindowTest, AnImageIsNamedByTheTypeTables) {
-    struct {
-        const char* key;
-        std::uint16_t version;
-        const char* row;
-    } const cases[] = {
+    const std::tuple<const char*, std::uint16_t, const char*> cases[] = {
         {"AMPKEY", 13500, "AMP-A 1.500"},
         {"ampkey", 22050, "AMP-B 0.050"},
         {"AMPKEY", 11999, " "},
@@ -37,10 +33,10 @@ TEST_F(MainWindowTest, AnImageIsNamedByTheTypeTables) {
         {"OTHER", 13500, " "},
         {"IFUKEY", 0x8000, "IFU-D 0.000"},
     };
-    for (const auto& c : cases) {
-        writeImage("a.bin", c.key, c.version);
+    for (const auto& [key, version, name] : cases) {
+        writeImage("a.bin", key, version);
         load("a.bin");
-        EXPECT_EQ(row(2), c.row) << c.key << " " << c.version;
+        EXPECT_EQ(row(2), name) << key << " " << version;
         EXPECT_TRUE(button("cmdUpgrade").isEnabled() && window.isEnabled());
         EXPECT_EQ(gImageBuf, readFile("a.bin") + '\0');
     }
