@@ -122,7 +122,7 @@ private:
                                              "block" + std::to_string(1 + below(options.uploadBlocks)),
                                              "300553" + unit + "0000"};
         const std::string& place = places[below(static_cast<unsigned>(places.size()))];
-        const FaultKinds& kinds = faultKindsAt(place);
+        const FaultKinds kinds = faultKindsAt(place);
         const std::string& kind = kinds[below(static_cast<unsigned>(kinds.size()))];
         return kind + "@" + place + (chance(4) && !kind.starts_with("unplug") ? "*all" : "");
     }

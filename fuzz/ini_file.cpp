@@ -1,12 +1,9 @@
 /// An INI file of any content. First line of the input: the section, second: the key, then the file.
 #include "app/ini_file.h"
 #include "app/numbers.h"
-#include "app/settings.h"
 #include "support/input.h"
-#include "support/program.h"
 #include "support/require.h"
 #include "text/runtime_failure.h"
-#include "text/string_table.h"
 
 #include <cmath>
 
@@ -41,22 +38,10 @@ static void checkNumber(const QString& text) {
     }
 }
 
-/// Reads `file` as the settings; a language stands before it, since a file without one asks the operator.
-static void checkSettings(const QByteArray& file) {
-    const QString path = writeProgramFile(QStringLiteral("Setting.INI"), "[OPERATION]\nLanguage = E\n" + file);
-    gBoxes = 0;
-    const bool read = fncReadSetting();
-    const QString port = fncGetIniString(QStringLiteral("ifu"), QStringLiteral("com"), path);
-    require(gBoxes == (read ? 0 : 1), "a failure is reported once");
-    require(gLanguage == 1, "the first language holds");
-    require(std::abs(gComPort - (read && isNumeric(port) ? leadingNumber(port) : 1)) <= 0.5,
-            "the port is the number in the file, without one 1");
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     Input input(bytes, size);
-    const QString section = QString::fromStdString(input.line());
-    const QString key = QString::fromStdString(input.line());
+    const QString section = QString::fromStdString(input.upTo('\n'));
+    const QString key = QString::fromStdString(input.upTo('\n'));
     const auto file = QByteArray::fromStdString(input.rest());
 
     const QString value = iniValue(storedValue(file, section, key));
@@ -64,6 +49,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     checkList(value);
     for (const QString& item : gListItems)
         checkNumber(item);
-    checkSettings(file);
     return 0;
 }

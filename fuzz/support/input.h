@@ -20,14 +20,11 @@ public:
         return taken;
     }
 
-    std::uint8_t byte() {
-        const std::string taken = bytes(1);
-        return taken.empty() ? std::uint8_t{0} : static_cast<std::uint8_t>(taken[0]);
-    }
+    std::uint8_t byte() { return static_cast<std::uint8_t>(bytes(1)[0]); }
 
-    /// The text up to the next line feed, without it.
-    std::string line() {
-        const std::string taken = bytes(std::min(left_.find('\n'), left_.size()));
+    /// The text up to the next `end`, which is dropped.
+    std::string upTo(char end) {
+        const std::string taken = bytes(std::min(left_.find(end), left_.size()));
         bytes(1);
         return taken;
     }

@@ -5,11 +5,6 @@
 #include "support/program.h"
 #include "text/string_table.h"
 
-#include <QApplication>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QTimer>
-
 class Settings : public ProgramTest {
 protected:
     BoxOperator user;
@@ -31,21 +26,5 @@ TEST_F(Settings, LanguageAndPortComeFromTheFile) {
         EXPECT_EQ(gLanguage, selector) << language;
         EXPECT_EQ(gComPort, number) << port;
         EXPECT_EQ(user.said().size(), overflow ? 1 : 0) << port;
-    }
-}
-
-TEST_F(Settings, WithoutALanguageTheDialogAsksAndOnlyOkChangesIt) {
-    for (const char* press : {"cmdOK", "cmdCancel", "the close box"}) {
-        QTimer::singleShot(0, qApp, [press] {
-            QWidget* dialog = QApplication::activeModalWidget();
-            ASSERT_TRUE(dialog != nullptr && dialog->objectName() == "frmLanguage");
-            EXPECT_TRUE(dialog->findChild<QRadioButton*>("optLanguage(1)")->isChecked()) << "no Japanese system";
-            dialog->findChild<QRadioButton*>("optLanguage(0)")->click();
-            if (auto* button = dialog->findChild<QPushButton*>(press))
-                button->click();
-            dialog->close();
-        });
-        EXPECT_TRUE(fncReadSetting());
-        EXPECT_EQ(gLanguage, QLatin1String(press) == QLatin1String("cmdOK") ? 0 : 1) << press;
     }
 }

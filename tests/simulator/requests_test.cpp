@@ -6,33 +6,6 @@
 
 namespace units::test {
 
-TEST(RequestParser, TakesOnlyWellFormedRequestsAndRecovers) {
-    const std::pair<const char*, const char*> cases[] = {
-        {"023030303030303530310338", "check byte 38 instead of 37"},
-        {"0230303030303035303103", "request broken off after 11 bytes"},
-        {"303030303030353031", "byte outside a request"},
-        {"023030303031303530310336", "wrong header"},
-        {"0230303030306134303103", "byte that is no command character"},
-        {"02303030303030350235303103", "byte that is no command character"},
-    };
-    for (const auto& [bytes, event] : cases) {
-        RequestParser parser;
-        Bytes wrong = parseHex(bytes).value();
-        std::vector<std::string> violations;
-        RequestParser::Result result;
-        for (const std::uint8_t byte : wrong)
-            if (result = parser.take(byte); result.violation)
-                violations.push_back(*result.violation);
-        if (result = parser.silence(); result.violation)
-            violations.push_back(*result.violation);
-        ASSERT_EQ(violations.size(), 1U) << bytes;
-        EXPECT_TRUE(violations[0].starts_with(event)) << violations[0];
-        for (const std::uint8_t byte : requestFrame("0501"))
-            result = parser.take(byte);
-        EXPECT_EQ(result.command, "0501") << bytes;
-    }
-}
-
 struct Commands {
     explicit Commands(const Options& options = {})
         : devices(options), faults(options.faults), machine(devices, faults, journal, Timing{}) {}

@@ -1,4 +1,3 @@
-#include "simulator/block_sender.h"
 #include "simulator/packet_receiver.h"
 #include "tests/simulator/frames.h"
 
@@ -70,26 +69,6 @@ TEST(PacketReceiver, RefusesWhatIsOutOfOrderAndGoesOn) {
         EXPECT_EQ(download.receiver.over(), violations.empty()) << name;
         EXPECT_TRUE(download.receiver.over() || download.feed(next) == Bytes{kAck}) << name;
         EXPECT_EQ(download.accepted, complete ? image() : Bytes()) << name;
-    }
-}
-
-TEST(BlockSender, ReportsAnyWrongAnswer) {
-    const std::tuple<Bytes, std::vector<std::string>> cases[] = {{{kCrcStart}, {"byte that does not answer a block: 43"}},
-                          {{kAck}, {"byte that does not answer a block: 06"}},
-                          {{kNak, kStx, 0x30, 0x30}, {"byte that does not answer a block: 02"}},
-                          {{kNak, kCan, kAck}, {"a single CAN"}},
-                          {{kNak, kAck, kAck, kAck, kAck}, {"ACK of the first EOT"}},
-                          {{kNak, kAck, kAck, kAck, kNak, kNak}, {"NAK of a later EOT than the first"}},
-                          {{kNak, kAck, kCan, kCan}, {}}};
-    for (const auto& [answers, violations] : cases) {
-        Journal journal;
-        FaultBook faults{{}};
-        Time now{0};
-        BlockSender sender(image(), 3, false, faults, journal, Timing{});
-        sender.begin(now);
-        feed(sender, answers, now);
-        EXPECT_EQ(journal.violations(), violations);
-        EXPECT_TRUE(sender.over() || !violations.empty());
     }
 }
 

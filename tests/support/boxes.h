@@ -1,8 +1,10 @@
 /// An operator who answers every message box at once and remembers what it said.
 #pragma once
 
-#include <QObject>
-#include <QStringList>
+#include <QAbstractButton>
+#include <QApplication>
+#include <QMessageBox>
+#include <QTimer>
 
 #include <deque>
 #include <vector>
@@ -11,14 +13,14 @@
 struct Box {
     QString title;
     QString text;
-    int icon = 0;  ///< a QMessageBox::Icon
+    QMessageBox::Icon icon;
     QStringList buttons;
 };
 
 /// Answers boxes for as long as it lives.
 class BoxOperator : public QObject {
 public:
-    BoxOperator();
+    BoxOperator() { qApp->installEventFilter(this); }
 
     /// Presses the button `number` (0 the first) of the next box that has not got its answer yet; later boxes get OK.
     void answerNext(int number) { answers_.push_back(number); }
@@ -26,10 +28,28 @@ public:
     const std::vector<Box>& boxes() const { return boxes_; }
 
     /// Texts of the boxes since the last call, in order, with " / " for a line break.
-    QStringList said();
+    QStringList said() {
+        QStringList texts;
+        for (; told_ < boxes_.size(); ++told_)
+            texts += boxes_[told_].text;
+        return texts.replaceInStrings("\n", " / ");
+    }
 
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        auto* box = event->type() == QEvent::Show ? qobject_cast<QMessageBox*>(watched) : nullptr;
+        if (box == nullptr)
+            return false;
+        boxes_.push_back({box->windowTitle(), box->text(), box->icon(), {}});
+        const QList<QAbstractButton*> buttons = box->buttons();
+        for (const QAbstractButton* button : buttons)
+            boxes_.back().buttons += button->text();
+        QAbstractButton* pressed = buttons.at(answers_.empty() ? 0 : answers_.front());
+        if (!answers_.empty())
+            answers_.pop_front();
+        QTimer::singleShot(0, box, [pressed] { pressed->click(); });
+        return false;
+    }
 
 private:
     std::vector<Box> boxes_;

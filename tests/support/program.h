@@ -2,9 +2,11 @@
 #pragma once
 
 #include "support/print.h"
+#include "system/program_end.h"
+#include "system/program_folder.h"
+#include "text/string_table.h"
 
-#include <QByteArray>
-#include <QString>
+#include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -12,18 +14,36 @@
 /// Thrown in the place of the program's end.
 struct ProgramEnded {};
 
-/// Fresh state for each test: an empty program folder, Japanese without any form's texts applied, no port, short waits.
+/// Fresh state for each test: an empty program folder, Japanese without any form's texts applied, no port.
 class ProgramTest : public testing::Test {
 protected:
-    ProgramTest();
-    ~ProgramTest() override;
+    ProgramTest() {
+        setProgramFolder(folder_.path());
+        setProgramEnd([] { throw ProgramEnded{}; });
+        gLanguage = 0;
+        gLangOffset = 0;
+    }
+    ~ProgramTest() override { setProgramEnd({}); }
 
     QString file(const QString& name) const { return folder_.filePath(name); }
-    void writeFile(const QString& name, const QByteArray& content) const;
-    QByteArray readFile(const QString& name) const;
+
+    void writeFile(const QString& name, const QByteArray& content) const {
+        QFile target(file(name));
+        ASSERT_TRUE(target.open(QIODevice::WriteOnly)) << name.toStdString();
+        target.write(content);
+    }
+
+    QByteArray readFile(const QString& name) const {
+        QFile source(file(name));
+        return source.open(QIODevice::ReadOnly) ? source.readAll() : QByteArray();
+    }
 
     /// Makes COM `number` a link to `device`, replacing the link that is there.
-    void linkPort(int number, const QString& device) const;
+    void linkPort(int number, const QString& device) const {
+        const QString link = file(QString("com%1").arg(number));
+        QFile::remove(link);
+        ASSERT_TRUE(QFile::link(device, link));
+    }
 
 private:
     QTemporaryDir folder_;

@@ -8,7 +8,6 @@
 #include "simulator/simulator.h"
 #include "support/boxes.h"
 #include "support/program.h"
-#include "text/string_table.h"
 
 using namespace std::chrono_literals;
 

@@ -8,27 +8,22 @@
 using FaultKinds = std::vector<std::string>;
 
 /// What can happen at a place. "delay:400" is later than the program waits anywhere in these sessions.
-inline const FaultKinds& faultKindsAt(std::string_view where) {
-    static const FaultKinds kCommand{"silence",       "lost",         "delay:20", "delay:400", "bcc",
-                                     "garble",        "cut:3",        "cut:12",   "repeat",    "endcode:11",
-                                     "response:2203", "noise:00ff39", "unplug",   "unplugin",  "unplugafter"};
-    static const FaultKinds kStart{"lost",  "delay:20", "answer:39", "repeat",
-                                   "can:2", "noise:39", "unplug",    "unplugafter"};
-    static const FaultKinds kPacket{"silence", "lost",  "delay:20", "delay:400", "answer:39", "repeat",
-                                    "nak",     "can:2", "noise:39", "unplug",    "unplugin",  "unplugafter"};
-    static const FaultKinds kEot{"silence", "lost",  "delay:20", "delay:400", "answer:39",  "repeat",
-                                 "nak",     "can:2", "noise:39", "unplug",    "unplugafter"};
-    static const FaultKinds kBlock{"lost",   "delay:20", "delay:400", "bcc",    "garble",   "cut:70",     "number:77",
-                                   "repeat", "can:2",    "noise:39",  "unplug", "unplugin", "unplugafter"};
-    static const FaultKinds kUploadEot{"lost",  "delay:20", "delay:400", "answer:39",  "repeat",
-                                       "can:2", "noise:39", "unplug",    "unplugafter"};
+inline FaultKinds faultKindsAt(std::string_view where) {
+    const auto kindsWith = [](FaultKinds kinds) {
+        for (const char* everywhere : {"lost", "delay:20", "repeat", "unplug", "unplugafter"})
+            kinds.emplace_back(everywhere);
+        return kinds;
+    };
     if (where == "start")
-        return kStart;
+        return kindsWith({"answer:39", "can:2", "noise:39"});
     if (where == "eot")
-        return kEot;
+        return kindsWith({"silence", "delay:400", "answer:39", "nak", "can:2", "noise:39"});
     if (where.starts_with("eot"))
-        return kUploadEot;
+        return kindsWith({"delay:400", "answer:39", "can:2", "noise:39"});
     if (where.starts_with("packet"))
-        return kPacket;
-    return where.starts_with("block") ? kBlock : kCommand;
+        return kindsWith({"silence", "delay:400", "answer:39", "nak", "can:2", "noise:39", "unplugin"});
+    if (where.starts_with("block"))
+        return kindsWith({"delay:400", "bcc", "garble", "cut:70", "number:77", "can:2", "noise:39", "unplugin"});
+    return kindsWith({"silence", "delay:400", "bcc", "garble", "cut:3", "cut:12", "endcode:11", "response:2203",
+                      "noise:00ff39", "unplugin"});
 }

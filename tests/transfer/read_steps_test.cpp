@@ -1,4 +1,4 @@
-#include "transfer/block_receiver.h"
+#include "transfer/binary_file.h"
 #include "transfer/transfer_fixture.h"
 
 #include <QDir>
@@ -41,33 +41,6 @@ TEST_F(ReadTest, TheFileIsTheFirmwareHoweverTheBlocksArrive) {
     }
     EXPECT_EQ(screen.calls.mid(0, 6),
               QStringList({"timer on", "progress", "timer on", "timer off", "unload", "enable"}));
-}
-
-TEST_F(ReadTest, APieceMayBeginWithAnyByte) {
-    const QByteArray block = "\x01\x01\xfe" + QByteArray("\x06\x15\x04\x43").repeated(32) + '\x15';
-    for (qsizetype cut = 1; cut < 132; ++cut) {
-        gBlockLen = gReadCount = 0;
-        ASSERT_EQ(takeReceived(block.left(cut)), kIncomplete) << cut;
-        ASSERT_EQ(takeReceived(block.mid(cut)), kBlock) << cut;
-        subStoreBlock();
-        ASSERT_EQ(gReadBuf.left(128), block.mid(3, 128)) << cut;
-        ASSERT_EQ(gReadCount, 128);
-    }
-    const std::pair<const char*, PollResult> controls[] = {
-        {"\x06x", kAckCame}, {"\x15", kNakCame}, {"\x04\x04", kEotCame}, {"C", kStartCame}};
-    for (const auto& [bytes, result] : controls)
-        EXPECT_EQ(takeReceived(bytes), result);
-    EXPECT_EQ(takeReceived(QByteArray(5'000, '\x01')), kBlock) << "more than a block is no overflow";
-}
-
-TEST_F(ReadTest, AForeignSenderDeliversTheVeryFile) {
-    writeFile("sent.bin", gImageBuf.left(kImageSize));
-    gWaits.readSilence = 3s;
-    options.sender = "sx " + file("sent.bin").toStdString() + " 2>/dev/null";
-    unitsWith({});
-    read();
-    EXPECT_EQ(saved(), gImageBuf.left(kImageSize));
-    EXPECT_EQ(screen.bytes, kImageSize);
 }
 
 TEST_F(ReadTest, AReadThatDoesNotComeToItsEndWritesNoFile) {
@@ -130,11 +103,9 @@ TEST_F(ReadTest, AFileThatCannotBeWrittenIsReportedAndTheOldOneStays) {
     EXPECT_EQ(saved().size(), kImageSize) << "a longer old file is cut";
 }
 
-TEST(Comparison, SeesEveryByteTheLastElementIncluded) {
-    for (const qsizetype i : {qsizetype{0}, kImageSize / 2, kImageSize - 1, kImageSize}) {
-        gReadBuf = gImageBuf;
-        EXPECT_EQ(fncCompareImage(), 0);
-        gReadBuf[i] = static_cast<char>(gReadBuf[i] + 1);
-        EXPECT_EQ(fncCompareImage(), 1) << i;
-    }
+TEST_F(ReadTest, AFileThatEndsEarlyIsReported) {
+    QByteArray buffer(kImageSize + 1, '\0');
+    EXPECT_EQ(fncBinaryFile(gSaveFileName, buffer, kReadFile), 0);
+    EXPECT_EQ(user.said()[0],
+              "Application error. / RES : " + gSaveFileName + ": the file ends after 3 of 245760 bytes");
 }

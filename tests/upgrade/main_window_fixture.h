@@ -27,9 +27,7 @@ protected:
         gAmpVersion = "0.500";
         gIfuTypeName = "IFU-D";
         gIfuVersion = "1.004";
-        gFileTypeName.clear();
-        gFileVersion.clear();
-        gLoadFileName.clear();
+        gFileTypeName = gFileVersion = gLoadFileName = QString();
         gTransferState = kIdleAfterWrite;
         gWaits.tick = 1ms;
         gWaits.verificationPause = 20ms;
@@ -41,30 +39,27 @@ protected:
         writeFile(name, bytesOf(units::makeImage(key, version, version)));
     }
 
-    /// Presses "Loading file" and chooses `name` in the dialog; `meanwhile` happens when the window has seen the file's
-    /// length and is going to read it.
-    void load(
-        const QString& name, const std::function<void()>& meanwhile = [] {}) {
-        chooseInDialog(name, meanwhile);
+    /// Presses "Loading file" and chooses `name` in the dialog.
+    void load(const QString& name) {
+        chooseInDialog(name);
         button("cmdLoading").click();
     }
 
-    /// Chooses `name` in the file dialog that the next click opens; `then` happens when events are served again.
-    void chooseInDialog(const QString& name, const std::function<void()>& then) {
-        QTimer::singleShot(0, &window, [this, name, then] {
+    /// Chooses `name` in the file dialog that the next click opens.
+    void chooseInDialog(const QString& name) {
+        QTimer::singleShot(0, &window, [path = file(name)] {
             auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
             ASSERT_NE(dialog, nullptr);
-            dialog->selectFile(file(name));
+            dialog->selectFile(path);
             QMetaObject::invokeMethod(dialog, "accept");
             if (dialog->isVisible())
                 dialog->reject();
-            QTimer::singleShot(0, &window, then);
         });
     }
 
     /// Presses "Save the present firmware", chooses `name` and lets the run come to its end.
     void save(const QString& name) {
-        chooseInDialog(name, [] {});
+        chooseInDialog(name);
         button("cmdPresent").click();
         waitServingEvents(30s, [] { return gTransferState == kIdleAfterRead; });
     }
@@ -84,10 +79,10 @@ protected:
 
     /// The progress dialog, while it is loaded.
     static QWidget* progressDialog() {
-        const QWidgetList windows = QApplication::topLevelWidgets();
-        const auto found =
-            std::find_if(windows.begin(), windows.end(), [](const QWidget* w) { return w->objectName() == "frmWait"; });
-        return found == windows.end() ? nullptr : *found;
+        for (QWidget* shown : QApplication::topLevelWidgets())
+            if (shown->objectName() == "frmWait")
+                return shown;
+        return nullptr;
     }
 
     bool unitHolds(const QString& name, units::Unit unit) const { return readFile(name) == firmware(unit); }
