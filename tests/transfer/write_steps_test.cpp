@@ -22,7 +22,7 @@ protected:
 
     // Where nothing waits in vain the waits stay long, as a busy machine can be late.
     static constexpr auto kLong = 10'000ms;
-    static constexpr auto kShort = 200ms;
+    static constexpr auto kShort = 300ms;
 };
 
 TEST_F(WriteTest, AForeignReceiverGetsTheVeryImage) {
