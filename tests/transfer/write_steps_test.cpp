@@ -96,3 +96,9 @@ TEST_F(WriteTest, TheCommunicationCheckGivesTheResponseAsANumber) {
     for (const int result : {2203, 8, 9999})
         EXPECT_EQ(fncCheckSensorComm(), result);
 }
+
+TEST_F(WriteTest, AStepThatFindsAnotherRunningDoesNothing) {
+    gTransferBusy = true;
+    EXPECT_EQ(steps.fncWriteStep(kWriteToStart) + steps.fncReadStep(kReadToStart), 0);
+    gTransferBusy = false;
+}
