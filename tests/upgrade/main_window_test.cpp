@@ -38,7 +38,7 @@ TEST_F(MainWindowTest, AnImageIsNamedByTheTypeTables) {
         EXPECT_EQ(gImageBuf, readFile("a.bin") + '\0');
     }
     ASSERT_EQ(user.boxes().size(), 1U) << "the version word that has no place";
-    EXPECT_TRUE(user.said()[0].startsWith("Application error. / RES : Overflow")) << qPrintable(user.said()[0]);
+    EXPECT_TRUE(user.said()[0].startsWith("Application error. / RES : Overflow"));
 }
 
 TEST_F(MainWindowTest, WhatIsNoImageChangesNothing) {
