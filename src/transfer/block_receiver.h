@@ -28,12 +28,13 @@ void subAnswerSent();
 
 /// Looks once at the serial input, without waiting.
 ///
-/// A control byte counts as such only when no block has begun; what comes with it is dropped. A block is complete with
-/// its 132nd byte.
+/// A block begins with SOH and is complete with its 132nd byte. Where none has begun, a control byte at the front
+/// counts as such, and what comes with it is dropped; any other byte before SOH or EOT is noise. Only a block or EOT
+/// ends the silence.
 /// @throws RuntimeFailure  the port is closed or gone
 PollResult fncPollReceive();
 
-/// Takes received bytes into the block, or as a control byte. Pure but for gBlockBuf and gBlockLen.
+/// Takes received bytes, none included, into the block or as a control byte. Pure but for gBlockBuf and gBlockLen.
 PollResult takeReceived(const QByteArray& bytes);
 
 /// Appends the data of the block in gBlockBuf to gReadBuf, as far as it has room, and begins the next block.

@@ -30,7 +30,8 @@ protected:
 
 TEST_F(ReadTest, TheFileIsTheFirmwareHoweverTheBlocksArrive) {
     const std::vector<std::string> expected{"300552010C00", "300554010000", "300553010000"};
-    for (const char* fault : {"", "split:1@block3", "splitat:1,20@block*all", "splitat:131,20@block*all"}) {
+    for (const char* fault : {"", "split:1@block3", "splitat:1,20@block*all", "splitat:131,20@block*all",
+                              "noise:ff@block2", "noise:ff180600@block*all", "noise:ff@eot1", "noise:ff@eot2"}) {
         writeFile("saved.bin", "old");
         unitsWith({fault});
         read();
