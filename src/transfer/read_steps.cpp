@@ -72,7 +72,7 @@ int TransferSteps::receiveSecondEot() {
     switch (fncPollReceive()) {
     case kEotCame:
         answer(kAck);
-        if (!screen_.isVerifyTicked())
+        if (!job_.verificationTicked)
             fncBinaryFile(gSaveFileName, gReadBuf, kWriteFile);
         return kReadEnded;
     case kBlock:
@@ -88,18 +88,19 @@ int TransferSteps::receiveSecondEot() {
 
 int TransferSteps::closeRead() {
     fncEndTransfer();
-    if (!screen_.isVerifyTicked()) {
+    if (!job_.verificationTicked)
         showMessageBox(literalText(u"Succeed", u"正常終了"), kInformation, literalText(u"Dravolt", u"ドラボルト"));
-        screen_.setDefaultCursor();
-    }
+    screen_.setDefaultCursor();
     return kIdleAfterRead;
 }
 
 void TransferSteps::cancelRead() {
     constexpr int kCans = 10;
-    if (gTransferState < kReceivingBlocks || gTransferState > kAwaitingSecondEot)
+    if (gTransferBusy || gTransferState < kReceivingBlocks || gTransferState > kAwaitingSecondEot)
         return;
-    // A port that takes no more bytes has said so once.
+    // A failure shows a box, in which the timer goes on: no tick may close the read, and the dialog, below it.
+    const QScopedValueRollback<bool> guard(gTransferBusy, true);
+    // Stop at the first failure; it has already been shown.
     for (int i = 0; i < kCans && fncSendRaw(QByteArray(1, kCan)) == kResultSuccess; ++i) {
     }
     gTransferState = kReadEnded;

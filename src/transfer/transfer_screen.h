@@ -16,14 +16,12 @@ public:
     /// Stops it.
     virtual void stopCommTimer() = 0;
 
-    /// Whether a verification follows a write, and a read is that of a verification.
-    virtual bool isVerifyTicked() const = 0;
     /// Enables the main window again.
     virtual void enableWindow() = 0;
     /// Gives the main window its default cursor.
     virtual void setDefaultCursor() = 0;
-    /// Copies the version of the image into the row of the unit that it has been written to.
-    virtual void showWrittenVersion() = 0;
+    /// Copies the version of the image into the row of `unit`, to which it has been written.
+    virtual void showWrittenVersion(int unit) = 0;
 
 protected:
     ~TransferScreen() = default;

@@ -1,7 +1,6 @@
 #include "transfer/transfer_steps.h"
 
 #include "link/com_port.h"
-#include "link/device_commands.h"
 #include "link/frame_link.h"
 #include "text/error_report.h"
 #include "text/string_table.h"
@@ -19,13 +18,13 @@ bool gTransferBusy = false;
 ///
 /// The attempt number is left in gintCommRetry: the frame link reports a failure only at the last attempt.
 /// @return the response of the last attempt
-static QString sendWithRetries(const QString& code) {
+QString TransferSteps::sendWithRetries(const QString& code) const {
     constexpr int kLastAttempt = 3;
-    QString response = fncOperationCommand(code, gUnitNo);
+    QString response = fncOperationCommand(code, job_.unit);
     if (response == kNormalEnd)
         return response;
     for (gintCommRetry = 2; gintCommRetry <= kLastAttempt; ++gintCommRetry) {
-        response = fncOperationCommand(code, gUnitNo);
+        response = fncOperationCommand(code, job_.unit);
         if (response == kNormalEnd)
             break;
     }
@@ -66,7 +65,7 @@ QString TransferSteps::fncStartTransfer(const QString& code) {
     return started;
 }
 
-QString TransferSteps::fncEndTransfer() { return endTransfer(screen_.isVerifyTicked()); }
+QString TransferSteps::fncEndTransfer() { return endTransfer(job_.verificationTicked); }
 
 /// Closes a transfer, whatever happened in it: the unit returns to normal operation and the main window to its
 /// operator.
@@ -76,10 +75,10 @@ QString TransferSteps::fncEndTransfer() { return endTransfer(screen_.isVerifyTic
 QString TransferSteps::endTransfer(bool verificationFollows) {
     if (!verificationFollows)
         screen_.stopCommTimer();
-    QString response = fncOperationCommand(QStringLiteral("54"), gUnitNo);
+    QString response = fncOperationCommand(QStringLiteral("54"), job_.unit);
     QCoreApplication::processEvents();
     if (!verificationFollows) {
-        response = fncOperationCommand(QStringLiteral("53"), gUnitNo);
+        response = fncOperationCommand(QStringLiteral("53"), job_.unit);
         QCoreApplication::processEvents();
     }
     screen_.unloadProgress();

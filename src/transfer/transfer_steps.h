@@ -1,6 +1,7 @@
 /// Transfer sequence: the steps that lead a unit through a transfer and back to normal operation.
 #pragma once
 
+#include "link/device_commands.h"
 #include "system/sleep_inhibitor.h"
 #include "transfer/transfer_screen.h"
 
@@ -33,6 +34,12 @@ extern int gTransferState;
 /// Set while a step runs: a tick, a click or a step that finds it set does nothing.
 extern bool gTransferBusy;
 
+/// What a run uses, fixed when it starts: no later choice of the operator changes it.
+struct TransferJob {
+    int unit = kSensorAmplifier;      ///< kSensorAmplifier or kInterfaceUnit
+    bool verificationTicked = false;  ///< a verification follows the write; a read is that of a verification
+};
+
 /// The steps of a transfer, and the one place that closes it.
 ///
 /// A step does a bounded amount of work and returns the next state. None throws: what goes wrong is shown, and the run
@@ -40,6 +47,12 @@ extern bool gTransferBusy;
 class TransferSteps {
 public:
     explicit TransferSteps(TransferScreen& screen) : screen_(screen) {}
+
+    /// Fixes what the steps of the next run use; called before its first step.
+    void begin(const TransferJob& job) { job_ = job; }
+
+    /// What the run uses that was begun last.
+    const TransferJob& job() const { return job_; }
 
     /// Does the work of `state` in a write.
     ///
@@ -67,10 +80,12 @@ private:
     int receiveSecondEot();
     int closeRead();
 
+    QString sendWithRetries(const QString& code) const;
     QString fncStartTransfer(const QString& code);
     QString fncEndTransfer();
     QString endTransfer(bool verificationFollows);
 
     TransferScreen& screen_;
+    TransferJob job_;
     std::optional<SleepInhibitor> awake_;  ///< from the start of a transfer to its end
 };

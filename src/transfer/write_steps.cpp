@@ -53,10 +53,10 @@ int TransferSteps::failedWrite() {
 
 int TransferSteps::closeWrite() {
     fncEndTransfer();
-    if (screen_.isVerifyTicked())
+    if (job_.verificationTicked)
         return kVerificationToRun;
     showMessageBox(literalText(u"Succeed", u"正常終了"), kInformation);
     screen_.setDefaultCursor();
-    screen_.showWrittenVersion();
+    screen_.showWrittenVersion(job_.unit);
     return kIdleAfterWrite;
 }

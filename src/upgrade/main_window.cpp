@@ -16,6 +16,7 @@
 #include <QFrame>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QVBoxLayout>
 
 namespace {
 
@@ -67,10 +68,13 @@ void addLine(QWidget& form, const char* name, QFrame::Shape shape) {
 
 }  // namespace
 
-frmMain::frmMain() {
+frmMain::frmMain() : content_(new QWidget) {
     setObjectName(QStringLiteral("frmMain"));
     setWindowFlag(Qt::WindowMaximizeButtonHint, false);
     setFixedSize(kClientWidth / kTwipsPerPixel, kClientHeight / kTwipsPerPixel);
+    auto* whole = new QVBoxLayout(this);
+    whole->setContentsMargins({});
+    whole->addWidget(content_);
     createControls();
     placeControls(*this, kPlaces);
     connectControls();
@@ -78,23 +82,23 @@ frmMain::frmMain() {
 
 /// Makes the controls in the order in which the keyboard visits them.
 void frmMain::createControls() {
-    addHeading(*this, "lblPresent");
-    addHeading(*this, "lblRewriting");
+    addHeading(*content_, "lblPresent");
+    addHeading(*content_, "lblRewriting");
     for (std::size_t i = 0; i < optPresent.size(); ++i)
-        optPresent[i] = addControl<QRadioButton>(*this, QStringLiteral("optPresent(%1)").arg(i));
+        optPresent[i] = addControl<QRadioButton>(*content_, QStringLiteral("optPresent(%1)").arg(i));
     for (std::size_t row = 0; row < lblTitle.size(); ++row) {
-        lblTitle[row] = addRowLabel(*this, "lblTitle", row);
-        lblVersion[row] = addRowLabel(*this, "lblVersion", row);
+        lblTitle[row] = addRowLabel(*content_, "lblTitle", row);
+        lblVersion[row] = addRowLabel(*content_, "lblVersion", row);
     }
-    chkVerify = addControl<QCheckBox>(*this, QStringLiteral("chkVerify"));
-    cmdLoading = addControl<QPushButton>(*this, QStringLiteral("cmdLoading"));
-    cmdPresent = addControl<QPushButton>(*this, QStringLiteral("cmdPresent"));
-    cmdUpgrade = addControl<QPushButton>(*this, QStringLiteral("cmdUpgrade"));
-    cmdEnd = addControl<QPushButton>(*this, QStringLiteral("cmdEnd"));
-    LabelWriteProtect = addControl<QLabel>(*this, QStringLiteral("LabelWriteProtect"));
+    chkVerify = addControl<QCheckBox>(*content_, QStringLiteral("chkVerify"));
+    cmdLoading = addControl<QPushButton>(*content_, QStringLiteral("cmdLoading"));
+    cmdPresent = addControl<QPushButton>(*content_, QStringLiteral("cmdPresent"));
+    cmdUpgrade = addControl<QPushButton>(*content_, QStringLiteral("cmdUpgrade"));
+    cmdEnd = addControl<QPushButton>(*content_, QStringLiteral("cmdEnd"));
+    LabelWriteProtect = addControl<QLabel>(*content_, QStringLiteral("LabelWriteProtect"));
     LabelWriteProtect->setStyleSheet(QStringLiteral("background: yellow"));
-    addLine(*this, "horizontalLine", QFrame::HLine);
-    addLine(*this, "verticalLine", QFrame::VLine);
+    addLine(*content_, "horizontalLine", QFrame::HLine);
+    addLine(*content_, "verticalLine", QFrame::VLine);
     chkVerify->hide();
     cmdPresent->hide();
     LabelWriteProtect->hide();
@@ -103,7 +107,10 @@ void frmMain::createControls() {
 
 void frmMain::connectControls() {
     for (std::size_t i = 0; i < optPresent.size(); ++i)
-        connect(optPresent[i], &QRadioButton::clicked, this, [this, i] { optPresent_Click(static_cast<int>(i)); });
+        connect(optPresent[i], &QRadioButton::toggled, this, [this, i](bool chosen) {
+            if (chosen)
+                optPresent_Click(static_cast<int>(i));
+        });
     for (QPushButton* button : {cmdLoading, cmdPresent, cmdUpgrade, cmdEnd})
         button->setAutoDefault(true);
     connect(cmdLoading, &QPushButton::clicked, this, [this] { cmdLoading_Click(); });
@@ -115,7 +122,7 @@ void frmMain::connectControls() {
 }
 
 void frmMain::showServiceControls() {
-    lblService = addControl<FittedLabel>(*this, QStringLiteral("lblService"));
+    lblService = addControl<FittedLabel>(*content_, QStringLiteral("lblService"));
     setFixedSize(width(), kServiceHeight / kTwipsPerPixel);
     placeControls(*this, kServicePlaces);
     chkVerify->show();
@@ -165,24 +172,28 @@ void frmMain::closeEvent(QCloseEvent*) { Form_QueryUnload(); }
 
 void frmMain::Form_QueryUnload() { endProgram(); }
 
-int frmMain::targetRow() const { return optPresent[0]->isChecked() ? 0 : 1; }
-
 void frmMain::disableWindow() {
     focusBefore_ = focusWidget();
-    setEnabled(false);
+    content_->setEnabled(false);
     setCursor(Qt::WaitCursor);
     // The work that follows may serve no window events for seconds.
     repaint();
 }
 
 void frmMain::enableWindow() {
-    setEnabled(true);
+    // Its read-back is not its end.
+    if (verifying_)
+        return;
+    content_->setEnabled(true);
     if (focusBefore_)
         focusBefore_->setFocus();
     focusBefore_.clear();
 }
 
-void frmMain::setDefaultCursor() { unsetCursor(); }
+void frmMain::setDefaultCursor() {
+    if (!verifying_)
+        unsetCursor();
+}
 
 frmWait& frmMain::progressDialog() {
     if (!frmWait_)
@@ -197,7 +208,5 @@ void frmMain::showProgress() {
 }
 
 void frmMain::setProgress(int bytes) { progressDialog().setBytes(bytes); }
-
-bool frmMain::isVerifyTicked() const { return chkVerify->isChecked(); }
 
 void frmMain::unloadProgress() { frmWait_.reset(); }

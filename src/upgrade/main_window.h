@@ -45,25 +45,25 @@ public:
     void unloadProgress() override;
     void startCommTimer() override;
     void stopCommTimer() override;
-    bool isVerifyTicked() const override;
     void enableWindow() override;
     void setDefaultCursor() override;
-    void showWrittenVersion() override;
+    void showWrittenVersion(int unit) override;
 
 protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
     static constexpr int kImageRow = 2;
+    static constexpr std::size_t rowOf(int unit) { return unit == kSensorAmplifier ? 0 : 1; }
 
     void createControls();
     void connectControls();
     void subSetWindowTexts();
     void Form_QueryUnload();
     void disableWindow();
-    int targetRow() const;
 
     // Target choice
+    TransferJob chosenJob() const;
     void optPresent_Click(int index);
 
     // Image loading
@@ -88,6 +88,8 @@ private:
     bool isBusy() const { return gTransferBusy || verifying_; }
     frmWait& progressDialog();
 
+    /// All controls: what is disabled during a run. The window itself is not, or it would have no cursor of its own.
+    QWidget* content_;
     std::array<QRadioButton*, 2> optPresent{};
     std::array<FittedLabel*, 3> lblTitle{};
     std::array<FittedLabel*, 3> lblVersion{};

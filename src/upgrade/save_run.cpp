@@ -19,5 +19,6 @@ void frmMain::startSave() {
         return;
     gSaveFileName = chosen;
     disableWindow();
+    steps_.begin(chosenJob());
     gTransferState = steps_.fncReadStep(kReadToStart);
 }

@@ -19,7 +19,8 @@ void frmMain::cmdUpgrade_Click() {
 }
 
 void frmMain::startUpgrade() {
-    if (lblTitle[static_cast<std::size_t>(targetRow())]->text() != lblTitle[kImageRow]->text()) {
+    const TransferJob job = chosenJob();
+    if (lblTitle[rowOf(job.unit)]->text() != lblTitle[kImageRow]->text()) {
         fncMsgBox(IDS_MSGERR_NOTADAPTED, kOkOnly);
         return;
     }
@@ -34,6 +35,7 @@ void frmMain::startUpgrade() {
         return;
     }
     progressDialog().cmdCancel->setEnabled(false);
+    steps_.begin(job);
     gTransferState = steps_.fncWriteStep(kWriteToStart);
 }
 
@@ -54,7 +56,7 @@ void frmMain::CommTimer_Timer() {
             gTransferState = steps_.fncReadStep(gTransferState);
         if (gTransferState >= kFirstWriteTick && gTransferState <= kImageSent)
             gTransferState = steps_.fncWriteStep(gTransferState);
-        if (gTransferState == kVerificationToRun && isVerifyTicked())
+        if (gTransferState == kVerificationToRun)
             verify();
     });
 }

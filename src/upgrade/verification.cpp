@@ -8,25 +8,24 @@
 #include "transfer/image_buffers.h"
 #include "upgrade/main_window.h"
 
-#include <QScopedValueRollback>
-
 static void wait(std::chrono::milliseconds time) {
     waitServingEvents(time, [] { return false; });
 }
 
 void frmMain::verify() {
-    const QScopedValueRollback<bool> guard(verifying_, true);
+    verifying_ = true;
     disableWindow();
     progressDialog().setMessage(literalText(u"Verification...", u"ベリファイ中..."));
     readBack();
     stopCommTimer();
-    fncOperationCommand(QStringLiteral("54"), gUnitNo);
-    fncOperationCommand(QStringLiteral("53"), gUnitNo);
+    fncOperationCommand(QStringLiteral("54"), steps_.job().unit);
+    fncOperationCommand(QStringLiteral("53"), steps_.job().unit);
     subPortClose();
     wait(gWaits.verificationPause);
     showVerificationResult();
     stopCommTimer();
     gTransferState = kIdleAfterVerification;
+    verifying_ = false;
     show();
     raise();
     enableWindow();

@@ -6,6 +6,9 @@
 #include "upgrade/main_window.h"
 #include "version.h"
 
+#include <QCheckBox>
+#include <QRadioButton>
+
 /// Text of a program version: 1, 4 gives ver1.004.
 static QString programVersionText(int major, int minor) {
     return QStringLiteral("ver%1.%2").arg(major).arg(minor, 3, 10, QLatin1Char('0'));
@@ -35,9 +38,13 @@ void frmMain::optPresent_Click(int index) {
     });
 }
 
-void frmMain::showWrittenVersion() {
+TransferJob frmMain::chosenJob() const {
+    return {optPresent[0]->isChecked() ? kSensorAmplifier : kInterfaceUnit, chkVerify->isChecked()};
+}
+
+void frmMain::showWrittenVersion(int unit) {
     const QString written = lblVersion[kImageRow]->text();
-    lblVersion[static_cast<std::size_t>(targetRow())]->setText(written);
+    lblVersion[rowOf(unit)]->setText(written);
     // The unit's version is this one from now on: the next refresh of the rows must not bring the old one back.
-    (targetRow() == 0 ? gAmpVersion : gIfuVersion) = written;
+    (unit == kSensorAmplifier ? gAmpVersion : gIfuVersion) = written;
 }

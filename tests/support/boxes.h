@@ -6,6 +6,7 @@
 #include <QMessageBox>
 #include <QTimer>
 
+#include <chrono>
 #include <deque>
 #include <vector>
 
@@ -24,6 +25,9 @@ public:
 
     /// Presses the button `number` (0 the first) of the next box that has not got its answer yet; later boxes get OK.
     void answerNext(int number) { answers_.push_back(number); }
+
+    /// Takes that long to read a box before it is answered.
+    std::chrono::milliseconds readingTime{0};
 
     const std::vector<Box>& boxes() const { return boxes_; }
 
@@ -47,7 +51,7 @@ protected:
         QAbstractButton* pressed = buttons.at(answers_.empty() ? 0 : answers_.front());
         if (!answers_.empty())
             answers_.pop_front();
-        QTimer::singleShot(0, box, [pressed] { pressed->click(); });
+        QTimer::singleShot(readingTime, box, [pressed] { pressed->click(); });
         return false;
     }
 

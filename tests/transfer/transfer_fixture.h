@@ -18,10 +18,9 @@ public:
     void unloadProgress() override { calls += "unload"; }
     void startCommTimer() override { calls += "timer on"; }
     void stopCommTimer() override { calls += "timer off"; }
-    bool isVerifyTicked() const override { return false; }
     void enableWindow() override { calls += "enable"; }
     void setDefaultCursor() override { calls += "cursor"; }
-    void showWrittenVersion() override { calls += "version"; }
+    void showWrittenVersion(int) override { calls += "version"; }
 
     QStringList calls;
     int bytes = 0;

@@ -14,6 +14,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QWindow>
 
 class MainWindowTest : public UnitsTest {
 protected:
@@ -70,6 +71,11 @@ protected:
         waitServingEvents(30s,
                           [] { return gTransferState == kIdleAfterWrite || gTransferState == kIdleAfterVerification; });
     }
+
+    /// Whether the operator can work the window.
+    bool isUsable() { return button("cmdEnd").isEnabled(); }
+    /// The cursor that the screen shows over the window, whatever the widgets below it ask for.
+    Qt::CursorShape shownCursor() const { return window.windowHandle()->cursor().shape(); }
 
     QPushButton& button(const char* name) { return *window.findChild<QPushButton*>(name); }
     QString row(int index) { return label("lblTitle(%1)", index).text() + ' ' + label("lblVersion(%1)", index).text(); }

@@ -48,10 +48,58 @@ TEST_F(ServiceTest, AReadBackThatDiffersInOneByteFails) {
         EXPECT_EQ(user.said(), QStringList(differs < 0 ? "Succeed" : "Failed")) << differs;
         EXPECT_EQ(requests().back(), "300553010000") << differs;
         EXPECT_EQ(row(0), "AMP-A 0.500") << differs;
-        EXPECT_TRUE(gobjComm == nullptr && window.isEnabled()) << differs;
+        EXPECT_TRUE(gobjComm == nullptr && isUsable()) << differs;
     }
     options.sender.clear();
     unitsWith({"response:2203@300552*3"});
     upgrade();
     EXPECT_EQ(user.said().back(), "Failed") << "nothing has been read back";
+}
+
+TEST_F(ServiceTest, ARunKeepsItsUnitToItsLastCommand) {
+    unitsWith({});
+    load("amp.bin");
+    window.findChild<QCheckBox*>("chkVerify")->click();
+    bool usableMeanwhile = false;
+    QTimer meddler;
+    meddler.callOnTimeout([&] {
+        if (!simulator->hasNoted("300552010C00") || gTransferState == kIdleAfterVerification)
+            return;
+        window.findChild<QRadioButton*>("optPresent(1)")->setChecked(true);
+        usableMeanwhile |= isUsable() || shownCursor() != Qt::WaitCursor;
+    });
+    meddler.start(1ms);
+    upgrade();
+    EXPECT_EQ(user.said(), QStringList("Succeed"));
+    EXPECT_EQ(requests().back(), "300553010000");
+    EXPECT_TRUE(gUnitNo == kInterfaceUnit && !usableMeanwhile);
+    EXPECT_TRUE(isUsable() && shownCursor() == Qt::ArrowCursor);
+}
+
+TEST_F(ServiceTest, TheHourglassGoesAfterEverySave) {
+    unitsWith({});
+    window.findChild<QCheckBox*>("chkVerify")->click();
+    save("none.bin");
+    EXPECT_TRUE(isUsable() && shownCursor() == Qt::ArrowCursor) << "with Verification ticked";
+    EXPECT_TRUE(user.said().empty() && readFile("none.bin").isEmpty());
+    subPortClose();
+    save("none.bin");
+    EXPECT_TRUE(isUsable() && shownCursor() == Qt::ArrowCursor) << "on the port that a verification has closed";
+}
+
+TEST_F(ServiceTest, NothingClosesASaveBelowTheBoxOfItsCancel) {
+    unitsWith({});
+    gWaits.exchangeMark = 10ms;
+    user.readingTime = 500ms;
+    chooseInDialog("none.bin");
+    button("cmdPresent").click();
+    simulator.reset();
+    const QPointer<QWidget> dialog = progressDialog();
+    ASSERT_NE(dialog, nullptr);
+    QTimer::singleShot(0, &window, [this] { user.readingTime = 0ms; });
+    QTimer::singleShot(400ms, &window, [dialog] { EXPECT_NE(dialog, nullptr) << "it stands behind its box"; });
+    dialog->findChild<QPushButton*>("cmdCancel")->click();
+    EXPECT_EQ(user.boxes().front().title, "エラー");
+    waitServingEvents(5s, [] { return gTransferState == kIdleAfterRead; });
+    EXPECT_TRUE(isUsable() && progressDialog() == nullptr);
 }
