@@ -4,6 +4,7 @@
 #include "upgrade/main_window.h"
 
 #include <QHeaderView>
+#include <QSettings>
 #include <QSplitter>
 #include <QTreeView>
 
@@ -17,11 +18,19 @@ static void makeRoom(QFileDialog& dialog) {
         files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
 }
 
+/// Qt's dialog would write the folders that it has shown into a file of the user's: the program writes none but its
+/// own.
+static void keepNoHistory() {
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
+}
+
 /// Path of the file that the operator chooses, beginning with `preset`; empty when the dialog is cancelled.
 QString frmMain::chooseFile(QFileDialog::AcceptMode mode, const QString& preset) {
+    keepNoHistory();
     QFileDialog cmdSoft(this, QString(), programFolder());
     cmdSoft.setAcceptMode(mode);
-    cmdSoft.setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+    // A file that does not exist is reported by the load, not by the dialog.
+    cmdSoft.setFileMode(QFileDialog::AnyFile);
     cmdSoft.setNameFilter(gFilterText.section(QLatin1Char('|'), 0, 0));
     if (mode == QFileDialog::AcceptSave)
         cmdSoft.setDefaultSuffix(QStringLiteral("bin"));

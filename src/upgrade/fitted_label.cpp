@@ -1,7 +1,15 @@
 #include "upgrade/fitted_label.h"
 
 #include <QFontMetricsF>
+#include <QHelpEvent>
 #include <QPainter>
+#include <QTextDocument>
+#include <QToolTip>
+
+FittedLabel::FittedLabel(QWidget* parent) : QLabel(parent) {
+    // Else the accessible text of a name with "<" or "&" would be another one than the painted.
+    setTextFormat(Qt::PlainText);
+}
 
 /// `font`, made smaller until `text` is no wider than `width`.
 static QFont fitted(QFont font, const QString& text, qreal width) {
@@ -28,11 +36,22 @@ void FittedLabel::setGrey(bool grey) {
     update();
 }
 
+QString FittedLabel::shownText(const QFont& shownFont) const {
+    return QFontMetrics(shownFont).elidedText(text(), Qt::ElideRight, width());
+}
+
+bool FittedLabel::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip)
+        return QLabel::event(event);
+    const bool isWhole = shownText(fitted(font(), text(), width())) == text();
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(),
+                       isWhole ? QString() : Qt::convertFromPlainText(text()), this);
+    return true;
+}
+
 void FittedLabel::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setFont(fitted(font(), text(), width()));
     painter.setPen(textColour());
-    const QString shown = painter.fontMetrics().elidedText(text(), Qt::ElideRight, width());
-    setToolTip(shown == text() ? QString() : text());
-    painter.drawText(rect(), static_cast<int>(alignment()) | Qt::TextSingleLine, shown);
+    painter.drawText(rect(), static_cast<int>(alignment()) | Qt::TextSingleLine, shownText(painter.font()));
 }

@@ -8,7 +8,7 @@
 /// Where even the smallest readable font is too wide, the text ends in "…" and is whole in the tool tip.
 class FittedLabel : public QLabel {
 public:
-    using QLabel::QLabel;
+    explicit FittedLabel(QWidget* parent);
 
     /// Writes the text in grey, as it also is while the label is disabled.
     void setGrey(bool grey);
@@ -17,8 +17,11 @@ public:
     QColor textColour() const;
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    QString shownText(const QFont& shownFont) const;
+
     bool grey_ = false;
 };

@@ -34,16 +34,20 @@ frmWait::frmWait(QWidget& owner)
     cmdCancel->hide();
     // Enter must not cancel by accident what takes minutes.
     cmdCancel->setAutoDefault(false);
-    lblMsg->setBuddy(prbComm);
     prbComm->setAlignment(Qt::AlignCenter);
     // Often enough for the eye; each painting costs time that the transfer could use.
     refresh_.setInterval(std::chrono::milliseconds(500));
     refresh_.callOnTimeout([this] { refresh(); });
     connect(cmdCancel, &QPushButton::clicked, this, [this] { cmdCancel_Click(); });
     subApplyLanguage(objectName());
+    setMessage(lblMsg->text());
 }
 
-void frmWait::setMessage(const QString& message) { lblMsg->setText(message); }
+void frmWait::setMessage(const QString& message) {
+    lblMsg->setText(message);
+    // Not by way of a buddy, which takes "&" for the mark of a key.
+    prbComm->setAccessibleName(message);
+}
 
 void frmWait::cmdCancel_Click() {
     TransferSteps::cancelRead();

@@ -7,7 +7,8 @@
 int main(int argc, char* argv[]) {
     testing::InitGoogleTest(&argc, argv);
     const QTemporaryDir runtimeFolder;
-    qputenv("XDG_RUNTIME_DIR", runtimeFolder.path().toLocal8Bit());
+    for (const char* folder : {"XDG_RUNTIME_DIR", "XDG_CONFIG_HOME"})
+        qputenv(folder, runtimeFolder.path().toLocal8Bit());
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);

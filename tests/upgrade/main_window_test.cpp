@@ -1,5 +1,6 @@
 #include "upgrade/main_window_fixture.h"
 
+#include <QAccessible>
 #include <QDir>
 
 #include <sys/stat.h>
@@ -60,6 +61,36 @@ TEST_F(MainWindowTest, WhatIsNoImageChangesNothing) {
     EXPECT_EQ(row(2), "AMP-A 1.500");
     EXPECT_EQ(gImageBuf, readFile("a.bin") + '\0') << "the earlier image stays";
     EXPECT_TRUE(user.boxes().empty());
+}
+
+TEST_F(MainWindowTest, AFileThatDoesNotExistIsReportedAndItsNameKept) {
+    load("missing.bin");
+    EXPECT_EQ(user.said(),
+              QStringList("Application error. / RES : " + file("missing.bin") + ": there is no such file"));
+    QStringList preset;
+    QTimer::singleShot(0, &window, [&preset] {
+        auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+        preset = dialog->selectedFiles();
+        dialog->reject();
+    });
+    button("cmdLoading").click();
+    EXPECT_EQ(preset, QStringList(file("missing.bin")));
+    EXPECT_FALSE(QFile::exists(qEnvironmentVariable("XDG_CONFIG_HOME") + "/QtProject.conf"))
+        << "a dialog leaves nothing behind";
+}
+
+TEST_F(MainWindowTest, NamesAreReadAloudAsTheyArePainted) {
+    const auto spoken = [](QWidget* widget) {
+        return QAccessible::queryAccessibleInterface(widget)->text(QAccessible::Name);
+    };
+    gFileTypeName = "<b>A&B</b>";
+    gFileVersion = "1.004";
+    window.subSetAllVersion();
+    EXPECT_EQ(spoken(&label("lblTitle(%1)", 2)), gFileTypeName);
+    window.showProgress();
+    for (const char* name : {"lblMsg", "prbComm"})
+        EXPECT_EQ(spoken(progressDialog()->findChild<QWidget*>(name)), "<b>A&B</b> is under updating to ver1.004.");
+    window.unloadProgress();
 }
 
 TEST_F(MainWindowTest, UpgradesEitherUnitAndShowsItsNewVersion) {
