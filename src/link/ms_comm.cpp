@@ -7,7 +7,9 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QStringList>
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <linux/serial.h>
@@ -20,18 +22,23 @@
 
 namespace {
 
-/// Path of the device behind port `number`.
+/// Where port `number` is looked for, in this order: a link of its own, or the built-in port.
+QStringList placesOf(int number) {
+    const QString link = QStringLiteral("com%1").arg(number);
+    return {programFile(QStringLiteral("ports/") + link), programFile(link),
+            QStringLiteral("/dev/ttyS%1").arg(number - 1)};
+}
+
+/// The first of these that is there. An unplugged adapter leaves a dangling link, which must not select another device.
 QString devicePath(int number) {
-    const QString link = programFile(QStringLiteral("com%1").arg(number));
-    const bool linkExists = QFileInfo(link).isSymLink() || QFileInfo::exists(link);
-    const QString path = linkExists ? link : QStringLiteral("/dev/ttyS%1").arg(number - 1);
-    if (number < 1 || !QFileInfo::exists(path))
-        throw RuntimeFailure(failure::kInvalidPort, messageText(u"COM%1: there is neither a link %2 to a device nor %3",
-                                                                u"COM%1: デバイスへのリンク %2 も %3 もありません")
-                                                        .arg(number)
-                                                        .arg(programFile(QStringLiteral("com%1").arg(number)),
-                                                             QStringLiteral("/dev/ttyS%1").arg(number - 1)));
-    return path;
+    const QStringList places = placesOf(number);
+    const auto isThere = [](const QString& path) { return QFileInfo(path).isSymLink() || QFileInfo::exists(path); };
+    const auto found = std::find_if(places.begin(), places.end(), isThere);
+    if (number < 1 || found == places.end() || !QFileInfo::exists(*found))
+        throw RuntimeFailure(failure::kInvalidPort, messageText(u"COM%1: there is no link %2 or %3, and no device %4",
+                                                                u"COM%1: リンク %2、%3 もデバイス %4 もありません")
+                                                        .arg(QString::number(number), places[0], places[1], places[2]));
+    return *found;
 }
 
 /// What the operator can do about an open that failed with `error`.

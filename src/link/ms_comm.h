@@ -10,8 +10,8 @@
 
 /// One serial port, addressed by its COM number, at 38400 bit/s, no parity, 8 data bits, 1 stop bit, no flow control.
 ///
-/// COM n is the link `com<n>` in the program's folder, without one `/dev/ttyS<n-1>`. An unplugged port is a failure at
-/// the next look at it or write to it, never silence.
+/// COM n is the link `ports/com<n>` in the program's folder, without one the link `com<n>` there, without either
+/// `/dev/ttyS<n-1>`. After an unplug the next read or write throws.
 class MSComm {
 public:
     MSComm() = default;

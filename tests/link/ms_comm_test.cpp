@@ -6,6 +6,8 @@
 #include "support/pty.h"
 #include "text/runtime_failure.h"
 
+#include <QDir>
+
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
@@ -76,6 +78,19 @@ TEST_F(Port, TellsMissingPortsFromPortsThatDoNotOpen) {
     ASSERT_TRUE(opens()) << "a failed open leaves nothing behind";
     EXPECT_FALSE(opens()) << "the port is open already";
     EXPECT_EQ(user.said(), QStringList(notOpening));
+}
+
+TEST_F(Port, IsTheLinkInTheFolderOfPortsBeforeTheOneBesideTheProgram) {
+    QDir(file({})).mkdir("ports");
+    linkPort(1, "/nowhere");
+    ASSERT_TRUE(QFile::link(pty.device(), file("ports/com1")));
+    ASSERT_TRUE(opens());
+    subPortClose();
+    QFile::remove(file("ports/com1"));
+    EXPECT_FALSE(opens()) << "the link in the folder of ports was used";
+    linkPort(1, pty.device());
+    ASSERT_TRUE(QFile::link("/nowhere", file("ports/com1")));
+    EXPECT_FALSE(opens()) << "a link that leads nowhere does not make another device the port";
 }
 
 TEST_F(Port, WithoutRightsIsAFailureThatSaysWhatHelps) {
