@@ -16,6 +16,8 @@
 #include <poll.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <termios.h>
 #include <unistd.h>
 #include <utility>
@@ -48,7 +50,6 @@ QString remedy(int error) {
     case EPERM:
         return messageText(u"; add the user to the group dialout", u"。ユーザーをグループ dialout に追加してください");
     case EBUSY:
-    case EWOULDBLOCK:
         return messageText(u"; another program uses the port", u"。他のプログラムがポートを使用しています");
     case ENXIO:
     case ENODEV:
@@ -63,12 +64,33 @@ QString remedy(int error) {
     }
 }
 
-bool isInUse(int error) { return error == EBUSY || error == EWOULDBLOCK; }
+/// Whether the port is a pseudo-terminal, by the device numbers that Linux gives them.
+bool isPseudoTerminal(int descriptor) {
+    constexpr unsigned kFirst = 136;
+    constexpr unsigned kLast = 143;
+    struct stat status {};
+    return ::fstat(descriptor, &status) == 0 && major(status.st_rdev) >= kFirst && major(status.st_rdev) <= kLast;
+}
+
+/// Takes the port for this program alone, and changes nothing else of it.
+/// @return 0, or why it cannot be had
+int claim(int descriptor) {
+    if (::flock(descriptor, LOCK_EX | LOCK_NB) < 0)
+        return errno == EWOULDBLOCK ? EBUSY : errno;
+    // The kernel lets a privileged user open a port that another program has marked: ask.
+    int exclusive = 0;
+    if (::ioctl(descriptor, TIOCGEXCL, &exclusive) == 0 && exclusive != 0)
+        return EBUSY;
+    // A killed program leaves its mark on a pseudo-terminal whose other side stays open; its lock goes with it.
+    if (isPseudoTerminal(descriptor))
+        return 0;
+    return ::ioctl(descriptor, TIOCEXCL) < 0 ? errno : 0;
+}
 
 }  // namespace
 
 void MSComm::failed(const char* doing, int error) const {
-    throw RuntimeFailure(isInUse(error) ? failure::kPortOpen : failure::kDeviceIo,
+    throw RuntimeFailure(error == EBUSY ? failure::kPortOpen : failure::kDeviceIo,
                          QStringLiteral("COM%1 (%2): %3: %4%5")
                              .arg(number_)
                              .arg(path_, QLatin1String(doing), qt_error_string(error), remedy(error)));
@@ -82,30 +104,27 @@ void MSComm::open(const QString& settings) {
     descriptor_ = ::open(QFile::encodeName(path_).constData(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     if (descriptor_ < 0)
         failed("open", errno);
+    if (const int error = claim(descriptor_); error != 0) {
+        // Not close(): that would drop the output and the mark of the program that has the port.
+        ::close(std::exchange(descriptor_, -1));
+        failed("claim", error);
+    }
     try {
-        claim();
+        setDriver();
         setLine();
     } catch (...) {
-        ::close(std::exchange(descriptor_, -1));
+        close();
         throw;
     }
 }
 
-/// Keeps other programs away, and asks the driver to hand over each byte as it comes.
-void MSComm::claim() {
+/// Asks the driver to hand over each byte as it comes.
+void MSComm::setDriver() const {
     serial_struct serial{};
     if (::ioctl(descriptor_, TIOCGSERIAL, &serial) == 0) {
         serial.flags |= static_cast<int>(ASYNC_LOW_LATENCY);
         ::ioctl(descriptor_, TIOCSSERIAL, &serial);
     }
-    if (::flock(descriptor_, LOCK_EX | LOCK_NB) < 0)
-        failed("lock", errno);
-    // The kernel lets a privileged user open a port that another program holds: ask.
-    int exclusive = 0;
-    if (::ioctl(descriptor_, TIOCGEXCL, &exclusive) == 0 && exclusive != 0)
-        failed("open", EBUSY);
-    if (::ioctl(descriptor_, TIOCEXCL) < 0)
-        failed("claim", errno);
 }
 
 void MSComm::setLine() const {
@@ -130,8 +149,9 @@ void MSComm::close() {
         return;
     // Else the system would go on sending, and hold the program until all is sent.
     discardOutput();
-    // A pseudo-terminal keeps the mark for as long as its other side is open.
-    ::ioctl(descriptor_, TIOCNXCL);
+    // The mark stays while another program has the port open. On a pseudo-terminal it is not ours.
+    if (!isPseudoTerminal(descriptor_))
+        ::ioctl(descriptor_, TIOCNXCL);
     ::close(std::exchange(descriptor_, -1));
 }
 

@@ -60,7 +60,7 @@ public:
 
 private:
     void requireOpen() const;
-    void claim();
+    void setDriver() const;
     void setLine() const;
     [[noreturn]] void failed(const char* doing, int error) const;
 

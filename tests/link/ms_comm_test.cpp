@@ -8,6 +8,7 @@
 
 #include <QDir>
 
+#include <csignal>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
@@ -113,12 +114,21 @@ TEST_F(Port, StaysAwayFromAPortThatAnotherProgramHolds) {
     ::flock(other, LOCK_UN);
     ::ioctl(other, TIOCEXCL);
     EXPECT_FALSE(opens());
+    int mark = 0;
+    ::ioctl(other, TIOCGEXCL, &mark);
+    EXPECT_NE(mark, 0) << "the mark of the other program is not taken away";
     ::ioctl(other, TIOCNXCL);
     ASSERT_TRUE(opens());
     EXPECT_NE(::flock(other, LOCK_EX | LOCK_NB), 0) << "and keeps the other program away in its turn";
     subPortClose();
     EXPECT_TRUE(opens()) << "closing gives up every claim";
     ::close(other);
+}
+
+TEST_F(Port, OpensAgainAfterTheProgramWasKilled) {
+    const auto openAndDie = [] { std::_Exit(opens() ? ::raise(SIGKILL) : 1); };
+    EXPECT_EXIT(openAndDie(), testing::KilledBySignal(SIGKILL), "");
+    EXPECT_TRUE(opens());
 }
 
 TEST_F(Port, AnUnpluggedPortIsAFailureAtTheNextLookOrWriteNotATimeOut) {
