@@ -59,6 +59,10 @@ QString remedy(int error) {
     case ENOTTY:
     case EISDIR:
         return messageText(u"; this is no serial port", u"。シリアルポートではありません");
+    case EINVAL:
+        return messageText(
+            u"; the port cannot be set to 38400 bit/s, 8N1: plug the adapter in again, or use another",
+            u"。ポートを 38400 bps、8N1 に設定できません。アダプターを差し直すか、別のアダプターを使用してください");
     default:
         return {};
     }
@@ -85,6 +89,15 @@ int claim(int descriptor) {
     if (isPseudoTerminal(descriptor))
         return 0;
     return ::ioctl(descriptor, TIOCEXCL) < 0 ? errno : 0;
+}
+
+/// Whether two settings are the same in what decides how bytes come and go.
+bool isSameLine(const termios& a, const termios& b) {
+    constexpr tcflag_t kCharacter = CSIZE | CSTOPB | PARENB | PARODD | CMSPAR | CRTSCTS | CLOCAL | CREAD;
+    return a.c_iflag == b.c_iflag && a.c_oflag == b.c_oflag && a.c_lflag == b.c_lflag &&
+           (a.c_cflag & kCharacter) == (b.c_cflag & kCharacter) && a.c_cc[VMIN] == b.c_cc[VMIN] &&
+           a.c_cc[VTIME] == b.c_cc[VTIME] && ::cfgetispeed(&a) == ::cfgetispeed(&b) &&
+           ::cfgetospeed(&a) == ::cfgetospeed(&b);
 }
 
 }  // namespace
@@ -118,29 +131,39 @@ void MSComm::open(const QString& settings) {
     }
 }
 
-/// Asks the driver to hand over each byte as it comes.
+/// Asks the driver to hand over each byte as it comes, and to take 38400 bit/s for what it says.
 void MSComm::setDriver() const {
     serial_struct serial{};
-    if (::ioctl(descriptor_, TIOCGSERIAL, &serial) == 0) {
-        serial.flags |= static_cast<int>(ASYNC_LOW_LATENCY);
-        ::ioctl(descriptor_, TIOCSSERIAL, &serial);
-    }
+    if (::ioctl(descriptor_, TIOCGSERIAL, &serial) < 0)
+        return;  // nothing to set in this driver
+    constexpr auto kOtherSpeed = static_cast<int>(ASYNC_SPD_MASK);
+    serial.flags = (serial.flags & ~kOtherSpeed) | static_cast<int>(ASYNC_LOW_LATENCY);
+    ::ioctl(descriptor_, TIOCSSERIAL, &serial);
+    // Low latency is a gain, the speed a must.
+    if (::ioctl(descriptor_, TIOCGSERIAL, &serial) < 0)
+        failed("line settings", errno);
+    if ((serial.flags & kOtherSpeed) != 0)
+        failed("line settings", EINVAL);
 }
 
 void MSComm::setLine() const {
-    termios line{};
-    if (::tcgetattr(descriptor_, &line) < 0)
+    termios asked{};
+    if (::tcgetattr(descriptor_, &asked) < 0)
         failed("line settings", errno);
-    ::cfmakeraw(&line);
-    line.c_cflag &= ~tcflag_t{CSTOPB | CRTSCTS | PARODD};
-    line.c_cflag |= CLOCAL | CREAD;
-    line.c_iflag &= ~tcflag_t{IXOFF | IXANY | INPCK};
-    line.c_cc[VMIN] = 0;
-    line.c_cc[VTIME] = 0;
-    ::cfsetispeed(&line, B38400);
-    ::cfsetospeed(&line, B38400);
-    if (::tcsetattr(descriptor_, TCSANOW, &line) < 0)
+    asked.c_iflag = asked.c_oflag = asked.c_lflag = 0;
+    asked.c_cflag = (asked.c_cflag & HUPCL) | CS8 | CREAD | CLOCAL;
+    asked.c_cc[VMIN] = 0;
+    asked.c_cc[VTIME] = 0;
+    ::cfsetispeed(&asked, B38400);
+    ::cfsetospeed(&asked, B38400);
+    if (::tcsetattr(descriptor_, TCSANOW, &asked) < 0)
         failed("line settings", errno);
+    // That reports success as soon as any one setting has been made.
+    termios inForce{};
+    if (::tcgetattr(descriptor_, &inForce) < 0)
+        failed("line settings", errno);
+    if (!isSameLine(inForce, asked))
+        failed("line settings", EINVAL);
     ::tcflush(descriptor_, TCIOFLUSH);
 }
 

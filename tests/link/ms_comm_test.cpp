@@ -10,13 +10,61 @@
 
 #include <csignal>
 #include <fcntl.h>
+#include <linux/serial.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <termios.h>
 #include <unistd.h>
 
 using namespace std::chrono_literals;
+
+/// A serial driver laid over the pseudo-terminal, as there is no serial hardware here.
+struct Driver {
+    const char* name;
+    bool opens = false;
+    unsigned flags = 0;                 ///< of the port
+    unsigned keeps = 0;                 ///< flags that the program cannot change
+    void (*spoil)(termios&) = nullptr;  ///< changes what the program sets
+    QList<unsigned long> requests = {};
+};
+
+static Driver* gDriver = nullptr;
+
+extern "C" {
+
+int __real_fstat(int port, struct stat* status);
+int __wrap_fstat(int port, struct stat* status) {
+    const int result = __real_fstat(port, status);
+    if (gDriver != nullptr)
+        status->st_rdev = makedev(4, 64);
+    return result;
+}
+
+int __real_ioctl(int port, unsigned long request, void* argument);
+int __wrap_ioctl(int port, unsigned long request, void* argument) {
+    if (gDriver == nullptr)
+        return __real_ioctl(port, request, argument);
+    gDriver->requests << request;
+    if (request != TIOCGSERIAL && request != TIOCSSERIAL)
+        return __real_ioctl(port, request, argument);
+    int& flags = static_cast<serial_struct*>(argument)->flags;
+    if (request == TIOCSSERIAL)
+        gDriver->flags = (gDriver->flags & gDriver->keeps) | (unsigned(flags) & ~gDriver->keeps);
+    flags = int(gDriver->flags);
+    return 0;
+}
+
+int __real_tcsetattr(int port, int when, const termios* line);
+int __wrap_tcsetattr(int port, int when, const termios* line) {
+    termios taken = *line;
+    if (gDriver != nullptr && gDriver->spoil != nullptr)
+        gDriver->spoil(taken);
+    return __real_tcsetattr(port, when, &taken);
+}
+
+}  // extern "C"
 
 class Port : public ProgramTest {
 protected:
@@ -36,6 +84,7 @@ TEST_F(Port, SetsTheLineWhateverItWasAndDropsOldBytes) {
     line.c_lflag |= ICANON | ECHO | ISIG;
     line.c_iflag |= IXON | ICRNL | ISTRIP | INPCK;
     line.c_cflag |= CSTOPB | PARENB | CRTSCTS;
+    line.c_cflag &= ~tcflag_t{CLOCAL | CREAD};
     ::cfsetspeed(&line, B9600);
     ::tcsetattr(before, TCSANOW, &line);
     pty.send("old bytes\n");
@@ -48,6 +97,7 @@ TEST_F(Port, SetsTheLineWhateverItWasAndDropsOldBytes) {
     EXPECT_EQ(line.c_iflag & (IXON | IXOFF | ICRNL | ISTRIP | INPCK), 0U);
     EXPECT_EQ(line.c_oflag & OPOST, 0U);
     EXPECT_EQ(line.c_cflag & (CSTOPB | PARENB | CRTSCTS | CSIZE), unsigned{CS8});
+    EXPECT_EQ(line.c_cflag & (CLOCAL | CREAD), tcflag_t{CLOCAL | CREAD});
     EXPECT_EQ(::cfgetospeed(&line), speed_t{B38400});
     ::close(before);
 
@@ -129,6 +179,26 @@ TEST_F(Port, OpensAgainAfterTheProgramWasKilled) {
     const auto openAndDie = [] { std::_Exit(opens() ? ::raise(SIGKILL) : 1); };
     EXPECT_EXIT(openAndDie(), testing::KilledBySignal(SIGKILL), "");
     EXPECT_TRUE(opens());
+}
+
+TEST_F(Port, IsClaimedThenSetAndTheSettingsAreReadBack) {
+    Driver drivers[] = {
+        {"takes everything", true, ASYNC_SPD_VHI, 0},
+        {"refuses low latency", true, 0, ~0U},
+        {"keeps another speed for 38400", false, ASYNC_SPD_VHI, ASYNC_SPD_MASK},
+        {"sets another speed", false, 0, 0, [](termios& line) { ::cfsetspeed(&line, B19200); }},
+        {"waits for a carrier", false, 0, 0, [](termios& line) { line.c_cflag &= ~tcflag_t{CLOCAL}; }},
+        {"keeps XON/XOFF", false, 0, 0, [](termios& line) { line.c_iflag |= IXON; }},
+    };
+    for (Driver& driver : drivers) {
+        gDriver = &driver;
+        EXPECT_EQ(opens(), driver.opens) << driver.name;
+        subPortClose();
+        gDriver = nullptr;
+        EXPECT_LT(driver.requests.indexOf(TIOCEXCL), driver.requests.indexOf(TIOCSSERIAL)) << driver.name;
+        EXPECT_EQ(driver.requests.last(), TIOCNXCL) << driver.name;
+    }
+    EXPECT_EQ(drivers[0].flags, ASYNC_LOW_LATENCY);
 }
 
 TEST_F(Port, AnUnpluggedPortIsAFailureAtTheNextLookOrWriteNotATimeOut) {
