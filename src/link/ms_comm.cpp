@@ -24,6 +24,8 @@
 
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 /// Where port `number` is looked for, in this order: a link of its own, or the built-in port.
 QStringList placesOf(int number) {
     const QString link = QStringLiteral("com%1").arg(number);
@@ -36,10 +38,17 @@ QString devicePath(int number) {
     const QStringList places = placesOf(number);
     const auto isThere = [](const QString& path) { return QFileInfo(path).isSymLink() || QFileInfo::exists(path); };
     const auto found = std::find_if(places.begin(), places.end(), isThere);
-    if (number < 1 || found == places.end() || !QFileInfo::exists(*found))
+    if (number < 1 || found == places.end())
         throw RuntimeFailure(failure::kInvalidPort, messageText(u"COM%1: there is no link %2 or %3, and no device %4",
                                                                 u"COM%1: リンク %2、%3 もデバイス %4 もありません")
                                                         .arg(QString::number(number), places[0], places[1], places[2]));
+    if (!QFileInfo::exists(*found))
+        throw RuntimeFailure(
+            failure::kInvalidPort,
+            messageText(
+                u"COM%1: the link %2 leads to %3, which is not there; the adapter is unplugged, or the link is old",
+                u"COM%1: リンク %2 の先の %3 がありません。アダプターが抜けているか、リンクが古くなっています")
+                .arg(QString::number(number), *found, QFileInfo(*found).symLinkTarget()));
     return *found;
 }
 
@@ -51,6 +60,7 @@ QString remedy(int error) {
         return messageText(u"; add the user to the group dialout", u"。ユーザーをグループ dialout に追加してください");
     case EBUSY:
         return messageText(u"; another program uses the port", u"。他のプログラムがポートを使用しています");
+    case ENOENT:
     case ENXIO:
     case ENODEV:
     case EIO:
@@ -59,6 +69,9 @@ QString remedy(int error) {
     case ENOTTY:
     case EISDIR:
         return messageText(u"; this is no serial port", u"。シリアルポートではありません");
+    case ETIMEDOUT:
+        return messageText(u"; the unit or adapter takes no data: check cable and power",
+                           u"。データを送信できません。ケーブルと電源を確認してください");
     case EINVAL:
         return messageText(
             u"; the port cannot be set to 38400 bit/s, 8N1: plug the adapter in again, or use another",
@@ -100,13 +113,15 @@ bool isSameLine(const termios& a, const termios& b) {
            ::cfgetospeed(&a) == ::cfgetospeed(&b);
 }
 
+bool isGone(short events) { return (events & (POLLHUP | POLLERR | POLLNVAL)) != 0; }
+
 }  // namespace
 
 void MSComm::failed(const char* doing, int error) const {
-    throw RuntimeFailure(error == EBUSY ? failure::kPortOpen : failure::kDeviceIo,
-                         QStringLiteral("COM%1 (%2): %3: %4%5")
-                             .arg(number_)
-                             .arg(path_, QLatin1String(doing), qt_error_string(error), remedy(error)));
+    throw RuntimeFailure(
+        error == EBUSY ? failure::kPortOpen : failure::kDeviceIo,
+        QStringLiteral("COM%1 (%2): %3: %4%5")
+            .arg(QString::number(number_), path_, QLatin1String(doing), qt_error_string(error), remedy(error)));
 }
 
 void MSComm::open(const QString& settings) {
@@ -191,8 +206,7 @@ qsizetype MSComm::inBufferCount() const {
         failed("read", errno);
     if (count > 0)
         return count;
-    pollfd state{descriptor_, POLLIN, 0};
-    if (::poll(&state, 1, 0) > 0 && (state.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0)
+    if (isGone(waitFor(POLLIN, std::chrono::nanoseconds::zero())))
         failed("read", EIO);
     return 0;
 }
@@ -223,28 +237,34 @@ void MSComm::discardOutput() const {
 void MSComm::output(const QByteArray& bytes) {
     requireOpen();
     qsizetype sent = 0;
+    Clock::time_point deadline = Clock::now() + gWaits.portWrite;
     while (sent < bytes.size()) {
         const ssize_t written =
             ::write(descriptor_, bytes.constData() + sent, static_cast<size_t>(bytes.size() - sent));
         if (written > 0) {
             sent += written;
+            deadline = Clock::now() + gWaits.portWrite;
             continue;
         }
         if (written < 0 && errno != EAGAIN && errno != EINTR)
             failed("write", errno);
-        pollfd state{descriptor_, POLLOUT, 0};
-        if (::poll(&state, 1, static_cast<int>(gWaits.portWrite.count())) == 0)
+        if (Clock::now() >= deadline)
             failed("write", ETIMEDOUT);
-        if ((state.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0)
+        if (isGone(waitFor(POLLOUT, deadline - Clock::now())))
             failed("write", EIO);
     }
 }
 
 void MSComm::waitForInput(std::chrono::nanoseconds limit) const {
     requireOpen();
+    waitFor(POLLIN, limit);
+}
+
+short MSComm::waitFor(short events, std::chrono::nanoseconds limit) const {
     limit = std::max(limit, std::chrono::nanoseconds::zero());
     const auto seconds = std::chrono::floor<std::chrono::seconds>(limit);
     const timespec timeout{seconds.count(), (limit - seconds).count()};
-    pollfd state{descriptor_, POLLIN, 0};
+    pollfd state{descriptor_, events, 0};
     ::ppoll(&state, 1, &timeout, nullptr);
+    return state.revents;
 }

@@ -52,7 +52,7 @@ public:
     /// @throws RuntimeFailure  the port is closed or gone, or takes no bytes for gWaits.portWrite
     void output(const QByteArray& bytes);
 
-    /// Sleeps until a byte is waiting, the port is gone, or `limit` has passed. No window events run.
+    /// Sleeps until a byte is waiting, the port is gone, a signal comes, or `limit` has passed. No window events run.
     void waitForInput(std::chrono::nanoseconds limit) const;
 
     /// Descriptor of the open port, for a notifier on it.
@@ -62,6 +62,7 @@ private:
     void requireOpen() const;
     void setDriver() const;
     void setLine() const;
+    short waitFor(short events, std::chrono::nanoseconds limit) const;
     [[noreturn]] void failed(const char* doing, int error) const;
 
     int number_ = 1;

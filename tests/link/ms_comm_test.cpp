@@ -1,6 +1,7 @@
 #include "link/ms_comm.h"
 
 #include "link/com_port.h"
+#include "link/waits.h"
 #include "support/boxes.h"
 #include "support/program.h"
 #include "support/pty.h"
@@ -15,6 +16,7 @@
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
+#include <sys/time.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -173,6 +175,34 @@ TEST_F(Port, StaysAwayFromAPortThatAnotherProgramHolds) {
     subPortClose();
     EXPECT_TRUE(opens()) << "closing gives up every claim";
     ::close(other);
+}
+
+TEST_F(Port, FailuresSayWhatHelps) {
+    const auto failureOf = [](const auto& action) {
+        try {
+            action();
+        } catch (const RuntimeFailure& f) {
+            return f.description();
+        }
+        return QString("none");
+    };
+    linkPort(4, "/no%1%2where");
+    MSComm unplugged;
+    unplugged.setCommPort(4);
+    EXPECT_EQ(failureOf([&] { unplugged.open("38400,n,8,1"); }),
+              "COM4: リンク " + file("com4") +
+                  " の先の /no%1%2where がありません。アダプターが抜けているか、リンクが古くなっています");
+
+    ASSERT_TRUE(opens());
+    gWaits.portWrite = 50ms;
+    std::signal(SIGALRM, [](int) {});
+    const itimerval alarms{{0, 5'000}, {0, 5'000}};
+    ::setitimer(ITIMER_REAL, &alarms, nullptr);
+    const QString said = failureOf([] { gobjComm->output(QByteArray(1'000'000, 'x')); });
+    const itimerval none{};
+    ::setitimer(ITIMER_REAL, &none, nullptr);
+    gWaits = {};
+    EXPECT_TRUE(said.endsWith("。データを送信できません。ケーブルと電源を確認してください")) << said.toStdString();
 }
 
 TEST_F(Port, OpensAgainAfterTheProgramWasKilled) {
