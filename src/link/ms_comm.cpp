@@ -167,7 +167,8 @@ void MSComm::setLine() const {
         failed("line settings", errno);
     asked.c_iflag = asked.c_oflag = asked.c_lflag = 0;
     asked.c_cflag = (asked.c_cflag & HUPCL) | CS8 | CREAD | CLOCAL;
-    asked.c_cc[VMIN] = 0;
+    // With at least 1, a read of an idle port says "again", and 0 bytes mean a hang-up.
+    asked.c_cc[VMIN] = 1;
     asked.c_cc[VTIME] = 0;
     ::cfsetispeed(&asked, B38400);
     ::cfsetospeed(&asked, B38400);
@@ -212,11 +213,12 @@ qsizetype MSComm::inBufferCount() const {
 }
 
 QByteArray MSComm::input(qsizetype most) {
-    QByteArray bytes(std::min(inBufferCount(), most), Qt::Uninitialized);
-    if (bytes.isEmpty())
-        return bytes;
-    const ssize_t taken = ::read(descriptor_, bytes.data(), static_cast<size_t>(bytes.size()));
-    if (taken < 0 && errno == EAGAIN)
+    requireOpen();
+    if (most <= 0)
+        return {};  // to read no bytes would look like a hang-up
+    QByteArray bytes(most, Qt::Uninitialized);
+    const ssize_t taken = ::read(descriptor_, bytes.data(), static_cast<size_t>(most));
+    if (taken < 0 && (errno == EAGAIN || errno == EINTR))
         return {};
     if (taken <= 0)
         failed("read", taken < 0 ? errno : EIO);

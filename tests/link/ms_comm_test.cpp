@@ -233,6 +233,7 @@ TEST_F(Port, IsClaimedThenSetAndTheSettingsAreReadBack) {
 
 TEST_F(Port, AnUnpluggedPortIsAFailureAtTheNextLookOrWriteNotATimeOut) {
     ASSERT_TRUE(opens());
+    EXPECT_EQ(gobjComm->input(1), "") << "an idle port is no failure";
     pty.unplug();
     const auto before = std::chrono::steady_clock::now();
     gobjComm->waitForInput(10s);
