@@ -46,7 +46,7 @@ int portNumber(const std::string& text) {
     return error == std::errc{} && stop == end && number >= 1 && number <= kMostPorts ? number : 0;
 }
 
-int change(const Machine& machine, int number, const std::vector<std::string>& arguments, std::ostream& out) {
+int change(const Machine& machine, int number, const std::vector<std::string>& arguments, Output& out) {
     if (arguments[0] == "set") {
         const std::string target = setComLink(machine, number, arguments[2]);
         out << said(kIsSet, {arguments[1], target}) << '\n';
@@ -59,12 +59,12 @@ int change(const Machine& machine, int number, const std::vector<std::string>& a
 
 }  // namespace
 
-int run(const Machine& machine, const std::vector<std::string>& arguments, std::ostream& out, std::ostream& error) {
+int run(const Machine& machine, const std::vector<std::string>& arguments, Output& out, Output& error) {
     if (arguments.empty())
         return report(machine, out) ? 0 : 1;
     const std::string& command = arguments[0];
     if (command == "--help" && arguments.size() == 1) {
-        out << said(kHelp);
+        out << kHelp;
         return 0;
     }
     const bool isChange = (command == "set" && arguments.size() == 3) || (command == "remove" && arguments.size() == 2);

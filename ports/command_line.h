@@ -2,8 +2,8 @@
 #pragma once
 
 #include "ports/machine.h"
+#include "ports/output.h"
 
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -11,6 +11,6 @@ namespace ports {
 
 /// Does what the arguments say.
 /// @return exit status: 0 done; 1 not done, or no device that this user may open; 2 wrong arguments
-int run(const Machine& machine, const std::vector<std::string>& arguments, std::ostream& out, std::ostream& error);
+int run(const Machine& machine, const std::vector<std::string>& arguments, Output& out, Output& error);
 
 }  // namespace ports

@@ -4,11 +4,13 @@
 #include <iostream>
 
 int main(int argc, char* argv[]) {
+    ports::Output out(std::cout);
+    ports::Output error(std::cerr);
     try {
         const ports::Machine machine{"/", std::filesystem::read_symlink("/proc/self/exe").parent_path()};
-        return ports::run(machine, {argv + 1, argv + argc}, std::cout, std::cerr);
+        return ports::run(machine, {argv + 1, argv + argc}, out, error);
     } catch (const std::exception& failure) {
-        std::cerr << "dravolt-ports: " << failure.what() << '\n';
+        error << "dravolt-ports: " << failure.what() << '\n';
         return 1;
     }
 }

@@ -91,25 +91,25 @@ std::string portsOf(const SerialDevice& device, const std::vector<ComLink>& link
     return ports;
 }
 
-void list(const Machine& machine, const SerialDevice& device, const std::vector<ComLink>& links, std::ostream& out) {
-    const std::string indent = "\n    ";
-    out << device.node.string() << portsOf(device, links);
-    out << indent << (device.description.empty() ? said(kBuiltIn) : device.description);
+void list(const Machine& machine, const SerialDevice& device, const std::vector<ComLink>& links, Output& out) {
+    const auto next = [&out]() -> Output& { return out << '\n' << "    "; };
+    out << device.node << portsOf(device, links);
+    next() << (device.description.empty() ? said(kBuiltIn) : device.description);
     if (!device.driver.empty())
         out << said(kDriver, {device.driver});
     if (!device.serialNumber.empty())
         out << said(kSerialNumber, {device.serialNumber});
     if (!device.stableName.empty())
-        out << indent << said(kStableName, {device.stableName});
+        next() << said(kStableName, {device.stableName});
     const std::vector<Process> holders = holdersOf(machine, device.node);
     for (const Process& holder : holders)
-        out << indent << said(kInUse, {holder.name, std::to_string(holder.number)});
+        next() << said(kInUse, {holder.name, std::to_string(holder.number)});
     if (holders.empty())
-        out << indent << said(kNotSeenInUse, {userName()});
-    out << indent << said(mayOpen(device) ? kMayOpen : kMayNotOpen) << "\n\n";
+        next() << said(kNotSeenInUse, {userName()});
+    next() << said(mayOpen(device) ? kMayOpen : kMayNotOpen) << '\n' << '\n';
 }
 
-void list(const Machine& machine, const std::vector<ComLink>& links, std::ostream& out) {
+void list(const Machine& machine, const std::vector<ComLink>& links, Output& out) {
     out << said(kLinks, {machine.folder}) << '\n';
     for (const ComLink& link : links)
         out << "    "
@@ -118,7 +118,7 @@ void list(const Machine& machine, const std::vector<ComLink>& links, std::ostrea
         out << "    " << said(kNoLinks) << '\n';
 }
 
-void list(const std::set<std::string>& missing, std::ostream& out) {
+void list(const std::set<std::string>& missing, Output& out) {
     if (missing.empty())
         return;
     out << '\n' << said(kMissing) << '\n';
@@ -145,7 +145,7 @@ std::set<std::string> missingFor(const Machine& machine, const std::vector<Seria
 
 }  // namespace
 
-bool report(const Machine& machine, std::ostream& out) {
+bool report(const Machine& machine, Output& out) {
     const std::vector<SerialDevice> devices = serialDevices(machine);
     const std::vector<ComLink> links = comLinks(machine);
     for (const SerialDevice& device : devices)
@@ -155,7 +155,7 @@ bool report(const Machine& machine, std::ostream& out) {
     return std::any_of(devices.begin(), devices.end(), mayOpen);
 }
 
-void explainFolder(const Machine& machine, std::ostream& out) {
+void explainFolder(const Machine& machine, Output& out) {
     std::set<std::string> missing;
     explain(machine.folder, missing);
     for (const std::string& one : missing)

@@ -2,16 +2,15 @@
 #pragma once
 
 #include "ports/machine.h"
-
-#include <ostream>
+#include "ports/output.h"
 
 namespace ports {
 
 /// Writes the list, and what keeps this user from working with a device.
 /// @return whether there is a device that this user may open
-bool report(const Machine& machine, std::ostream& out);
+bool report(const Machine& machine, Output& out);
 
 /// Writes why this user cannot make links in the programs' folder; nothing if he can.
-void explainFolder(const Machine& machine, std::ostream& out);
+void explainFolder(const Machine& machine, Output& out);
 
 }  // namespace ports

@@ -33,7 +33,7 @@ protected:
             ln -s /sys/bus/serial-base/drivers/port $board/00:05:0/00:05:0.0/driver
             ln -s /sys/bus/pnp/drivers/serial $board/driver
             ln -s /sys/bus/usb-serial/drivers/ftdi_sio $usb/1-1:1.1/ttyUSB10/driver
-            echo FTDI >$usb/manufacturer; echo USB UART >$usb/product; echo A5 >$usb/serial
+            echo FTDI >$usb/manufacturer; printf 'USB\033]0;UART\n' >$usb/product; echo A5 >$usb/serial
             echo 0403 >$usb/idVendor; echo 6001 >$usb/idProduct
             echo 188:10 >sys/class/tty/ttyUSB10/dev
             ln -sf $terminal dev/ttyUSB10
@@ -54,7 +54,8 @@ protected:
     /// The exit status; what was written is in `output`.
     int run(const std::vector<std::string>& arguments) {
         std::ostringstream out;
-        const int status = ports::run(machine, arguments, out, out);
+        Output terminal(out);
+        const int status = ports::run(machine, arguments, terminal, terminal);
         output = out.str();
         return status;
     }
@@ -78,11 +79,12 @@ TEST_F(Ports, AreListedWithTheirUsersAndWhatMayDisturbThem) {
         echo E:ID_MM_PORT_IGNORE=1 >run/udev/data/c188:10
         ln -s $PWD/dev/serial/by-id/usb-FTDI-A5 programs/com2; ln -s $PWD/dev/ttyUSB7 programs/com16)");
     EXPECT_EQ(run({}), 0);
-    for (const char* text : {"/dev/ttyS0  COM1 without a link\n    serial port of this computer, driver serial\n",
-                             "/dev/ttyUSB9\n    FTDI USB UART [0403:6001], serial number A5\n    not in use",
-                             "/dev/ttyUSB10  COM2\n    FTDI USB UART [0403:6001], driver ftdi_sio, serial number A5\n",
-                             "in use by minicom (process 4321)\n    you may open it", "brltty is running",
-                             "/dev/ttyUSB7 (not plugged in)"})
+    for (const char* text :
+         {"/dev/ttyS0  COM1 without a link\n    serial port of this computer, driver serial\n",
+          "/dev/ttyUSB9\n    FTDI USB\\x1b]0;UART [0403:6001], serial number A5\n    not in use",
+          "/dev/ttyUSB10  COM2\n    FTDI USB\\x1b]0;UART [0403:6001], driver ftdi_sio, serial number A5\n",
+          "in use by minicom (process 4321)\n    you may open it", "brltty is running",
+          "/dev/ttyUSB7 (not plugged in)"})
         EXPECT_TRUE(says(text)) << text << " is not in\n" << output;
     const std::string commands = "may send modem commands to " + root.string() + "/dev/tty";
     EXPECT_TRUE(says(commands + "USB9") && !says(commands + "USB10") && !says(commands + "S0")) << output;
@@ -92,6 +94,21 @@ TEST_F(Ports, AreListedWithTheirUsersAndWhatMayDisturbThem) {
     EXPECT_TRUE(says("点字サービス brltty が動作しています")) << output;
     fs::remove_all(root / "sys/class/tty");
     EXPECT_EQ(run({}), 1) << "no serial device";
+}
+
+TEST_F(Ports, HaveTheirNamesShownAndNotSentToTheTerminal) {
+    const std::pair<std::string, std::string> names[] = {
+        {"ポート–é😀", "ポート–é😀"},
+        {"\x1b[2J\t\n\x7f", R"(\x1b[2J\x09\x0a\x7f)"},
+        {"\u009b2J\x9b", R"(\xc2\x9b2J\x9b)"},                                  // control characters beyond ASCII
+        {"a\u202e\u200bb\u2066", R"(a\xe2\x80\xae\xe2\x80\x8bb\xe2\x81\xa6)"},  // right to left, no width
+        {"\xc0\x9b\xe0\x82\x9b\xf4\x90\x80\x80", R"(\xc0\x9b\xe0\x82\x9b\xf4\x90\x80\x80)"},  // too long, too large
+        {"\xe3\x83", R"(\xe3\x83)"},                                                          // cut short
+    };
+    for (const auto& [name, shown] : names) {
+        EXPECT_EQ(run({"set", "1", name}), 1);
+        EXPECT_TRUE(says("/" + shown + ": there is no such device\n")) << output;
+    }
 }
 
 TEST_F(Ports, AreLinkedByTheirStableNames) {
