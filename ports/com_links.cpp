@@ -4,6 +4,8 @@
 #include "ports/language.h"
 #include "ports/serial_devices.h"
 
+#include <random>
+#include <sstream>
 #include <system_error>
 
 namespace fs = std::filesystem;
@@ -35,6 +37,24 @@ void requireLink(const fs::path& link) {
     throw Refusal(said(kFailed, {link, error.message()}));
 }
 
+/// A name beside the link for a moment. Others may write into the folder, and must not know which name to block.
+fs::path freshName(const fs::path& link) {
+    std::random_device random;
+    std::ostringstream name;
+    name << '.' << link.filename().string() << '.' << random() << random();
+    return link.parent_path() / name.str();
+}
+
+/// What a link to the device says, for which the user has named a path.
+NewTarget targetFor(const SerialDevice& device, const fs::path& named, const fs::path& serial) {
+    const bool isShared = device.sharesName && named.parent_path() == serial / "by-id";
+    if (named.string().starts_with((serial / "").string()) && !isShared)
+        return {named};
+    if (device.stableName.empty())
+        return {device.node};
+    return {device.stableName, device.sharesName};
+}
+
 /// The serial device behind `device`, or the pseudo-terminal, with which one practises.
 SerialDevice deviceNamed(const Machine& machine, const fs::path& device) {
     SerialDevice terminal;
@@ -64,21 +84,19 @@ std::vector<ComLink> comLinks(const Machine& machine) {
     return links;
 }
 
-fs::path setComLink(const Machine& machine, int number, const std::string& device) {
+NewTarget setComLink(const Machine& machine, int number, const std::string& device) {
     const fs::path dev = machine.root / "dev";
     // An absolute path replaces what stands before it.
     const fs::path named = device.find('/') == std::string::npos ? dev / device : fs::absolute(device);
     const SerialDevice found = deviceNamed(machine, named);
-    const bool isStable = named.string().starts_with((dev / "serial/").string());
-    const fs::path target = isStable ? named : found.stableName.empty() ? found.node : found.stableName;
+    const NewTarget target = targetFor(found, named, dev / "serial");
     const fs::path link = linkOf(machine, number);
     if (fs::symlink_status(link).type() != fs::file_type::not_found)
         requireLink(link);
     // Made beside it and moved over it, so that the port always leads somewhere.
-    const fs::path fresh = link.string() + ".new";
+    const fs::path fresh = freshName(link);
     std::error_code error;
-    fs::remove(fresh, error);
-    fs::create_symlink(target, fresh, error);
+    fs::create_symlink(target.path, fresh, error);
     if (error)
         refuse(link, error);
     fs::rename(fresh, link, error);

@@ -19,6 +19,12 @@ struct ComLink {
     std::filesystem::path device;  ///< the file that it leads to; empty: there is none
 };
 
+/// What a new link says.
+struct NewTarget {
+    std::filesystem::path path;
+    bool isPlace = false;  ///< the place where the adapter is plugged in, since it shares its name with others
+};
+
 /// A link could not be made or removed; says why in the user's language.
 class Refusal : public std::runtime_error {
 public:
@@ -31,10 +37,9 @@ std::vector<ComLink> comLinks(const Machine& machine);
 /// Makes com<number> a link to `device`, or to the stable name of that device, in the place of the link that was there.
 ///
 /// @param device  a serial device or pseudo-terminal: its name in /dev, or any path to it; a path in /dev/serial is
-/// kept
-/// @return what the link says
+/// kept, unless several adapters share it
 /// @throws Refusal  `device` is none, or the link cannot be made
-std::filesystem::path setComLink(const Machine& machine, int number, const std::string& device);
+NewTarget setComLink(const Machine& machine, int number, const std::string& device);
 
 /// @throws Refusal  there is no such link, or it cannot be removed
 void removeComLink(const Machine& machine, int number);

@@ -17,7 +17,7 @@ constexpr Text kHelp{R"(usage: dravolt-ports                  lists the serial d
 
 COM port N is the link com<N> in the folder of this program, where dravolt looks for it. DEVICE is a name in
 /dev such as ttyUSB0, or a path. The link says the stable name of the adapter where it has one, so that it
-holds wherever the adapter is plugged in.
+holds wherever the adapter is plugged in; for an adapter without a serial number of its own, it says the place.
 
 Exit status: 0 done; 1 not done, or no device that you may open; 2 wrong arguments.
 )",
@@ -28,7 +28,7 @@ Exit status: 0 done; 1 not done, or no device that you may open; 2 wrong argumen
 
 COM ポート N は、このプログラムのフォルダーにあるリンク com<N> です。dravolt はこのリンクを使用します。
 デバイスは ttyUSB0 のような /dev 内の名前、またはパスで指定します。アダプターに固定名があれば、リンクは固定名を指すため、
-どこに接続しても有効です。
+どこに接続しても有効です。固有の製造番号がないアダプターの場合は、接続位置を指します。
 
 終了ステータス: 0 完了、1 未完了または開けるデバイスがない、2 引数の誤り。
 )"};
@@ -36,6 +36,12 @@ constexpr Text kWrong{"wrong arguments; see dravolt-ports --help",
                       "引数に誤りがあります。dravolt-ports --help を参照してください"};
 constexpr Text kIsSet{"COM%1 is now %2. The program uses it when Setting.INI says COM=%1.",
                       "COM%1 を %2 に割り当てました。Setting.INI で COM=%1 と設定すると使用されます。"};
+constexpr Text kIsPlace{
+    "The adapter has no serial number of its own: others of its kind have the same name. So the link names the place "
+    "where it is plugged in; always plug it in there.",
+    "このアダプターには固有の製造番号がなく、同じ種類のアダプターと名前が重なります。そのため、リンクは接続位置を指しま"
+    "す。"
+    "必ず同じ USB 端子に接続してください。"};
 constexpr Text kIsRemoved{"COM%1 has no link any more.", "COM%1 のリンクを削除しました。"};
 
 /// @return 0: no number of a COM port
@@ -48,8 +54,10 @@ int portNumber(const std::string& text) {
 
 int change(const Machine& machine, int number, const std::vector<std::string>& arguments, Output& out) {
     if (arguments[0] == "set") {
-        const std::string target = setComLink(machine, number, arguments[2]);
-        out << said(kIsSet, {arguments[1], target}) << '\n';
+        const NewTarget target = setComLink(machine, number, arguments[2]);
+        out << said(kIsSet, {arguments[1], target.path}) << '\n';
+        if (target.isPlace)
+            out << said(kIsPlace) << '\n';
     } else {
         removeComLink(machine, number);
         out << said(kIsRemoved, {arguments[1]}) << '\n';

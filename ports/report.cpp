@@ -21,6 +21,8 @@ constexpr Text kBuiltIn{"serial port of this computer", "本体のシリアル�
 constexpr Text kDriver{", driver %1", "、ドライバー %1"};
 constexpr Text kSerialNumber{", serial number %1", "、製造番号 %1"};
 constexpr Text kStableName{"stable name %1", "固定名 %1"};
+constexpr Text kPlace{"stable name %1, of the place: it has no serial number of its own",
+                      "固定名 %1 (固有の製造番号がないため、接続位置の名前)"};
 constexpr Text kInUse{"in use by %1 (process %2)", "使用中: %1 (プロセス %2)"};
 constexpr Text kNotSeenInUse{"not in use, as far as user %1 can see",
                              "使用中のプログラムは見つかりません (ユーザー %1)"};
@@ -100,7 +102,7 @@ void list(const Machine& machine, const SerialDevice& device, const std::vector<
     if (!device.serialNumber.empty())
         out << said(kSerialNumber, {device.serialNumber});
     if (!device.stableName.empty())
-        next() << said(kStableName, {device.stableName});
+        next() << said(device.sharesName ? kPlace : kStableName, {device.stableName});
     const std::vector<Process> holders = holdersOf(machine, device.node);
     for (const Process& holder : holders)
         next() << said(kInUse, {holder.name, std::to_string(holder.number)});

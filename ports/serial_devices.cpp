@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <set>
 #include <tuple>
 
 namespace fs = std::filesystem;
@@ -41,16 +42,42 @@ void describe(SerialDevice& device, const fs::path& usb) {
             device.description += text + ' ';
     device.description += '[' + line(usb / "idVendor") + ':' + line(usb / "idProduct") + ']';
     device.serialNumber = line(usb / "serial");
+    device.adapter = usb;
 }
 
-/// The link to `node` in /dev/serial, by the adapter's identity or else by its place.
-fs::path stableName(const fs::path& dev, const fs::path& node) {
+/// Whether the names in /dev/serial/by-id tell the number; udev leaves out a blank one, and one with such characters.
+bool isInNames(const std::string& serialNumber) {
+    return serialNumber.find_first_not_of(' ') != std::string::npos &&
+           std::all_of(serialNumber.begin(), serialNumber.end(),
+                       [](char c) { return c >= ' ' && c <= '~' && c != ','; });
+}
+
+/// Whether another adapter can have the same name in /dev/serial/by-id, which then leads to either of them.
+bool sharesName(const SerialDevice& device, const std::vector<SerialDevice>& devices) {
+    if (device.adapter.empty())
+        return false;
+    return !isInNames(device.serialNumber) ||
+           std::any_of(devices.begin(), devices.end(), [&](const SerialDevice& other) {
+               return other.adapter != device.adapter && other.description == device.description &&
+                      other.serialNumber == device.serialNumber;
+           });
+}
+
+/// The link to `node` in a folder; the first of them in the order of names.
+fs::path linkTo(const fs::path& node, const fs::path& folder) {
+    std::set<fs::path> links;
     std::error_code none;
-    for (const char* kind : {"serial/by-id", "serial/by-path"})
-        for (const auto& link : fs::directory_iterator(dev / kind, none))
-            if (endOf(link) == endOf(node))
-                return link.path();
-    return {};
+    for (const auto& link : fs::directory_iterator(folder, none))
+        if (endOf(link) == endOf(node))
+            links.insert(link);
+    return links.empty() ? fs::path() : *links.begin();
+}
+
+/// The link to the device in /dev/serial, by the adapter's identity if it has one of its own, or else by its place.
+fs::path stableName(const Machine& machine, const SerialDevice& device) {
+    const fs::path serial = machine.root / "dev/serial";
+    const fs::path byIdentity = device.sharesName ? fs::path() : linkTo(device.node, serial / "by-id");
+    return byIdentity.empty() ? linkTo(device.node, serial / "by-path") : byIdentity;
 }
 
 /// Whether the device database says that ModemManager must not touch the device.
@@ -79,7 +106,6 @@ SerialDevice deviceOf(const Machine& machine, const fs::path& entry) {
     const auto isUsb = [](const fs::path& folder) { return fs::exists(folder / "idVendor"); };
     if (const fs::path usb = nearest(hardware, top, isUsb); !usb.empty())
         describe(device, usb);
-    device.stableName = stableName(machine.root / "dev", device.node);
     device.keptFromModemManager = isKeptFromModemManager(machine.root, line(entry / "dev"));
     return device;
 }
@@ -102,6 +128,10 @@ std::vector<SerialDevice> serialDevices(const Machine& machine) {
     for (const auto& entry : fs::directory_iterator(machine.root / "sys/class/tty", none))
         if (isReal(entry.path()))
             devices.push_back(deviceOf(machine, entry.path()));
+    for (SerialDevice& device : devices) {
+        device.sharesName = sharesName(device, devices);
+        device.stableName = stableName(machine, device);
+    }
     std::sort(devices.begin(), devices.end(), isBefore);
     return devices;
 }

@@ -14,9 +14,11 @@ struct SerialDevice {
     std::string name;                  ///< as the kernel calls it: ttyUSB0
     std::filesystem::path node;        ///< the file that is opened
     std::string driver;                ///< empty: unknown
+    std::filesystem::path adapter;     ///< the kernel's folder of the USB adapter; empty: it is not at USB
     std::string description;           ///< maker, product and their numbers; empty: it is not at USB
     std::string serialNumber;          ///< empty: it has none
-    std::filesystem::path stableName;  ///< link that stays the same wherever it is plugged in; empty: it has none
+    bool sharesName = false;           ///< no serial number tells the adapter from others of its kind
+    std::filesystem::path stableName;  ///< link that stays the same; empty: it has none
     bool keptFromModemManager = false;
 };
 

@@ -112,7 +112,7 @@ TEST_F(Ports, HaveTheirNamesShownAndNotSentToTheTerminal) {
 }
 
 TEST_F(Ports, AreLinkedByTheirStableNames) {
-    shell("echo 'a file of the user' >programs/com4");
+    shell("echo 'a file of the user' >programs/com4; mkdir -p programs/com3.new/in.the.way");
     const std::string terminal = fs::read_symlink(root / "dev/ttyUSB10");
     const std::string other = root / "dev/ttyUSB9", stable = root / "dev/serial/by-id/usb-FTDI-A5";
     // arguments, exit status, and where the link of COM3 leads then (nowhere: it is not there)
@@ -133,6 +133,36 @@ TEST_F(Ports, AreLinkedByTheirStableNames) {
         EXPECT_EQ(fs::read_symlink(machine.folder / "com3", none), com3) << arguments[0] << ' ' << output;
     }
     EXPECT_TRUE(fs::is_regular_file(machine.folder / "com4"));
+}
+
+TEST_F(Ports, AreLinkedByTheirPlaceWhereAnotherAdapterCanHaveTheName) {
+    shell(R"(
+        mkdir -p dev/serial/by-path
+        for n in 1 2; do
+            mkdir -p sys/devices/usb2/2-$n/tty sys/class/tty/ttyUSB$n
+            echo 1a86 >sys/devices/usb2/2-$n/idVendor
+            ln -s $PWD/sys/devices/usb2/2-$n/tty sys/class/tty/ttyUSB$n/device
+            touch dev/ttyUSB$n
+            ln -s ../../ttyUSB$n dev/serial/by-path/pci-0-usb-0:$n:1.0-port0
+            ln -s ../../ttyUSB$n dev/serial/by-path/pci-0-usbv2-0:$n:1.0-port0
+        done
+        ln -s ../../ttyUSB2 dev/serial/by-id/usb-1a86-if00-port0)");
+    const std::string identity = root / "dev/serial/by-id/usb-1a86-if00-port0";
+    const std::string place = root / "dev/serial/by-path/pci-0-usb-0:2:1.0-port0";
+    // serial numbers of two adapters of one kind, and how the second is linked
+    const std::tuple<std::string, std::string, std::string> cases[] = {
+        {"A5", "A6", identity}, {"", "", place}, {"0001", "0001", place}, {"A,5", "A,6", place}, {"  ", "A6", identity},
+    };
+    for (const auto& [first, second, target] : cases) {
+        shell("echo '" + first + "' >sys/devices/usb2/2-1/serial; echo '" + second + "' >sys/devices/usb2/2-2/serial");
+        for (const std::string& device : {std::string("ttyUSB2"), identity}) {
+            EXPECT_EQ(run({"set", "5", device}), 0) << output;
+            EXPECT_EQ(fs::read_symlink(machine.folder / "com5"), target) << first << ' ' << second;
+            EXPECT_EQ(says("no serial number of its own"), target == place) << output;
+        }
+        run({});
+        EXPECT_TRUE(says("stable name " + target + (target == place ? ", of the place" : "\n"))) << output;
+    }
 }
 
 }  // namespace ports::test
