@@ -4,6 +4,7 @@
 #include "ports/language.h"
 #include "ports/serial_devices.h"
 
+#include <algorithm>
 #include <random>
 #include <sstream>
 #include <system_error>
@@ -22,7 +23,23 @@ constexpr Text kOwnedByOther{"%1 belongs to %2; only %2 and root can change it",
                              "%1 の所有者は %2 です。変更できるのは %2 と root だけです"};
 constexpr Text kFailed{"%1: %2", "%1: %2"};
 
-fs::path linkOf(const Machine& machine, int number) { return machine.folder / ("com" + std::to_string(number)); }
+fs::path portsFolder(const Machine& machine) { return machine.folder / "ports"; }
+
+std::string nameOf(int number) { return "com" + std::to_string(number); }
+
+bool isThere(const fs::path& link) {
+    std::error_code none;
+    return fs::exists(fs::symlink_status(link, none));
+}
+
+/// What is there as com<number>; the first counts.
+std::vector<fs::path> linksOf(const Machine& machine, int number) {
+    std::vector<fs::path> links;
+    for (const fs::path& folder : {portsFolder(machine), machine.folder})
+        if (const fs::path link = folder / nameOf(number); isThere(link))
+            links.push_back(link);
+    return links;
+}
 
 /// Something else of that name may be the user's own file.
 void requireLink(const fs::path& link) {
@@ -71,15 +88,21 @@ SerialDevice deviceNamed(const Machine& machine, const fs::path& device) {
 
 }  // namespace
 
+fs::path linkFolder(const Machine& machine) {
+    std::error_code none;
+    return fs::is_directory(portsFolder(machine), none) ? portsFolder(machine) : machine.folder;
+}
+
 std::vector<ComLink> comLinks(const Machine& machine) {
     std::vector<ComLink> links;
     for (int number = 1; number <= kMostPorts; ++number) {
+        const std::vector<fs::path> found = linksOf(machine, number);
         std::error_code none;
-        const fs::path link = linkOf(machine, number);
-        const fs::path target = fs::read_symlink(link, none);
-        if (none)
+        const fs::path target = found.empty() ? fs::path() : fs::read_symlink(found[0], none);
+        if (target.empty())
             continue;
-        links.push_back({number, target, endOf(link)});
+        const fs::path ignored = found.size() > 1 ? found[1] : fs::path();
+        links.push_back({number, found[0], ignored, target, endOf(found[0])});
     }
     return links;
 }
@@ -90,8 +113,8 @@ NewTarget setComLink(const Machine& machine, int number, const std::string& devi
     const fs::path named = device.find('/') == std::string::npos ? dev / device : fs::absolute(device);
     const SerialDevice found = deviceNamed(machine, named);
     const NewTarget target = targetFor(found, named, dev / "serial");
-    const fs::path link = linkOf(machine, number);
-    if (fs::symlink_status(link).type() != fs::file_type::not_found)
+    const fs::path link = linkFolder(machine) / nameOf(number);
+    if (isThere(link))
         requireLink(link);
     // Made beside it and moved over it, so that the port always leads somewhere.
     const fs::path fresh = freshName(link);
@@ -109,14 +132,16 @@ NewTarget setComLink(const Machine& machine, int number, const std::string& devi
 }
 
 void removeComLink(const Machine& machine, int number) {
-    const fs::path link = linkOf(machine, number);
-    if (fs::symlink_status(link).type() == fs::file_type::not_found)
+    const std::vector<fs::path> links = linksOf(machine, number);
+    if (links.empty())
         throw Refusal(said(kNoLink, {std::to_string(number)}));
-    requireLink(link);
-    std::error_code error;
-    fs::remove(link, error);
-    if (error)
-        refuse(link, error);
+    std::for_each(links.begin(), links.end(), requireLink);
+    for (const fs::path& link : links) {
+        std::error_code error;
+        fs::remove(link, error);
+        if (error)
+            refuse(link, error);
+    }
 }
 
 }  // namespace ports

@@ -1,4 +1,6 @@
-/// The links com<n> beside the programs, by which a COM port number stands for a device.
+/// The links com<n>, by which a COM port number stands for a device.
+///
+/// They lie in the folder ports/ beside the programs, or beside the programs themselves. The one in ports/ comes first.
 #pragma once
 
 #include "ports/machine.h"
@@ -14,9 +16,11 @@ namespace ports {
 inline constexpr int kMostPorts = 16;
 
 struct ComLink {
-    int number = 0;                ///< n of com<n>
-    std::filesystem::path target;  ///< what the link says
-    std::filesystem::path device;  ///< the file that it leads to; empty: there is none
+    int number = 0;                 ///< n of com<n>
+    std::filesystem::path link;     ///< the link that counts
+    std::filesystem::path ignored;  ///< the one beside the programs, where it does not count; empty: there is none
+    std::filesystem::path target;   ///< what the link says
+    std::filesystem::path device;   ///< the file that it leads to; empty: there is none
 };
 
 /// What a new link says.
@@ -31,6 +35,9 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// Where new links are made: ports/, or the programs' folder where that is missing.
+std::filesystem::path linkFolder(const Machine& machine);
+
 /// The links COM1 to COM16 that are there.
 std::vector<ComLink> comLinks(const Machine& machine);
 
@@ -41,6 +48,7 @@ std::vector<ComLink> comLinks(const Machine& machine);
 /// @throws Refusal  `device` is none, or the link cannot be made
 NewTarget setComLink(const Machine& machine, int number, const std::string& device);
 
+/// Removes com<number> from both folders.
 /// @throws Refusal  there is no such link, or it cannot be removed
 void removeComLink(const Machine& machine, int number);
 

@@ -15,9 +15,10 @@ constexpr Text kHelp{R"(usage: dravolt-ports                  lists the serial d
        dravolt-ports remove N         removes the link of COM port N
        dravolt-ports --help           shows this
 
-COM port N is the link com<N> in the folder of this program, where dravolt looks for it. DEVICE is a name in
-/dev such as ttyUSB0, or a path. The link says the stable name of the adapter where it has one, so that it
-holds wherever the adapter is plugged in; for an adapter without a serial number of its own, it says the place.
+COM port N is the link com<N> in the folder ports beside this program, or else beside the program itself, where
+dravolt looks for it. DEVICE is a name in /dev such as ttyUSB0, or a path. The link says the stable name of the
+adapter where it has one, so that it holds wherever the adapter is plugged in; for an adapter without a serial
+number of its own, it says the place.
 
 Exit status: 0 done; 1 not done, or no device that you may open; 2 wrong arguments.
 )",
@@ -26,7 +27,8 @@ Exit status: 0 done; 1 not done, or no device that you may open; 2 wrong argumen
         dravolt-ports remove N         COM ポート N のリンクを削除
         dravolt-ports --help           この説明を表示
 
-COM ポート N は、このプログラムのフォルダーにあるリンク com<N> です。dravolt はこのリンクを使用します。
+COM ポート N は、このプログラムと同じ場所にあるフォルダー ports のリンク com<N> です。ここになければ、
+プログラムと同じフォルダーのリンク com<N> です。dravolt はこのリンクを使用します。
 デバイスは ttyUSB0 のような /dev 内の名前、またはパスで指定します。アダプターに固定名があれば、リンクは固定名を指すため、
 どこに接続しても有効です。固有の製造番号がないアダプターの場合は、接続位置を指します。
 

@@ -8,7 +8,7 @@ namespace ports {
 /// The machine whose ports are shown. Tests make one of their own.
 struct Machine {
     std::filesystem::path root = "/";  ///< what lies in sys, dev, proc and run below it is looked at
-    std::filesystem::path folder;      ///< folder of the programs, with the links com<n>
+    std::filesystem::path folder;      ///< folder of the programs
 };
 
 }  // namespace ports

@@ -35,6 +35,9 @@ constexpr Text kNoLinks{"none", "なし"};
 constexpr Text kLeadsNowhere{"COM%1 -> %2 (not plugged in)", "COM%1 -> %2 (接続されていません)"};
 constexpr Text kLeadsTo{"COM%1 -> %2", "COM%1 -> %2"};
 
+constexpr Text kBeside{"by %1", "リンク: %1"};
+constexpr Text kIgnored{"%1 does not count beside it", "%1 は使用されません"};
+
 constexpr Text kMissing{"What is missing:", "不足しているもの:"};
 constexpr Text kNoDevice{
     "There is no serial device. Plug the adapter in; \"sudo dmesg\" shows whether it is recognised.",
@@ -112,10 +115,15 @@ void list(const Machine& machine, const SerialDevice& device, const std::vector<
 }
 
 void list(const Machine& machine, const std::vector<ComLink>& links, Output& out) {
-    out << said(kLinks, {machine.folder}) << '\n';
-    for (const ComLink& link : links)
-        out << "    "
-            << said(link.device.empty() ? kLeadsNowhere : kLeadsTo, {std::to_string(link.number), link.target}) << '\n';
+    out << said(kLinks, {linkFolder(machine)}) << '\n';
+    for (const ComLink& link : links) {
+        const std::string number = std::to_string(link.number);
+        out << "    " << said(link.device.empty() ? kLeadsNowhere : kLeadsTo, {number, link.target}) << '\n';
+        if (link.link.parent_path() != linkFolder(machine))
+            out << "        " << said(kBeside, {link.link}) << '\n';
+        if (!link.ignored.empty())
+            out << "        " << said(kIgnored, {link.ignored}) << '\n';
+    }
     if (links.empty())
         out << "    " << said(kNoLinks) << '\n';
 }
@@ -141,7 +149,7 @@ std::set<std::string> missingFor(const Machine& machine, const std::vector<Seria
     }
     if (isRunning(machine, "brltty"))
         missing.insert(said(kBrltty));
-    explain(machine.folder, missing);
+    explain(linkFolder(machine), missing);
     return missing;
 }
 
@@ -159,7 +167,7 @@ bool report(const Machine& machine, Output& out) {
 
 void explainFolder(const Machine& machine, Output& out) {
     std::set<std::string> missing;
-    explain(machine.folder, missing);
+    explain(linkFolder(machine), missing);
     for (const std::string& one : missing)
         out << one << '\n';
 }

@@ -10,7 +10,7 @@ namespace ports {
 /// @return whether there is a device that this user may open
 bool report(const Machine& machine, Output& out);
 
-/// Writes why this user cannot make links in the programs' folder; nothing if he can.
+/// Writes why this user cannot make links in their folder; nothing if he can.
 void explainFolder(const Machine& machine, Output& out);
 
 }  // namespace ports

@@ -135,6 +135,21 @@ TEST_F(Ports, AreLinkedByTheirStableNames) {
     EXPECT_TRUE(fs::is_regular_file(machine.folder / "com4"));
 }
 
+TEST_F(Ports, AreLinkedInAFolderOfTheirOwn) {
+    shell("mkdir programs/ports; ln -s $PWD/dev/ttyUSB9 programs/com3");
+    const fs::path beside = machine.folder / "com3", fresh = machine.folder / "ports/com3";
+    run({});
+    EXPECT_TRUE(says("ttyUSB9  COM3\n") &&
+                says("    COM3 -> " + (root / "dev/ttyUSB9").string() + "\n        by " + beside.string() + "\n"))
+        << output;
+    EXPECT_EQ(run({"set", "3", "ttyUSB10"}), 0);
+    EXPECT_EQ(fs::read_symlink(fresh), root / "dev/serial/by-id/usb-FTDI-A5");
+    run({});
+    EXPECT_TRUE(says("ttyUSB10  COM3\n") && says(beside.string() + " does not count")) << output;
+    EXPECT_EQ(run({"remove", "3"}), 0);
+    EXPECT_FALSE(fs::is_symlink(fresh) || fs::is_symlink(beside)) << "a removed port has no other link";
+}
+
 TEST_F(Ports, AreLinkedByTheirPlaceWhereAnotherAdapterCanHaveTheName) {
     shell(R"(
         mkdir -p dev/serial/by-path
