@@ -47,8 +47,9 @@ std::size_t shownLength(std::string_view text) {
     if (length == 0 || length > text.size())
         return 0;
     char32_t character = length == 1 ? first : first & (0x7FU >> length);
-    for (const char next : text.substr(1, length - 1)) {
-        if ((next & 0xC0) != 0x80)
+    for (const char byte : text.substr(1, length - 1)) {
+        const auto next = static_cast<unsigned char>(byte);
+        if ((next & 0xC0U) != 0x80)
             return 0;
         character = character << 6U | (next & 0x3FU);
     }
