@@ -35,8 +35,8 @@ constexpr Text kNoLinks{"none", "なし"};
 constexpr Text kLeadsNowhere{"COM%1 -> %2 (not plugged in)", "COM%1 -> %2 (接続されていません)"};
 constexpr Text kLeadsTo{"COM%1 -> %2", "COM%1 -> %2"};
 
-constexpr Text kBeside{"by %1", "リンク: %1"};
-constexpr Text kIgnored{"%1 does not count beside it", "%1 は使用されません"};
+constexpr Text kBeside{"link: %1", "リンク: %1"};
+constexpr Text kIgnored{"%1 is not used", "%1 は使用されません"};
 
 constexpr Text kMissing{"What is missing:", "不足しているもの:"};
 constexpr Text kNoDevice{

@@ -140,12 +140,12 @@ TEST_F(Ports, AreLinkedInAFolderOfTheirOwn) {
     const fs::path beside = machine.folder / "com3", fresh = machine.folder / "ports/com3";
     run({});
     EXPECT_TRUE(says("ttyUSB9  COM3\n") &&
-                says("    COM3 -> " + (root / "dev/ttyUSB9").string() + "\n        by " + beside.string() + "\n"))
+                says("    COM3 -> " + (root / "dev/ttyUSB9").string() + "\n        link: " + beside.string() + "\n"))
         << output;
     EXPECT_EQ(run({"set", "3", "ttyUSB10"}), 0);
     EXPECT_EQ(fs::read_symlink(fresh), root / "dev/serial/by-id/usb-FTDI-A5");
     run({});
-    EXPECT_TRUE(says("ttyUSB10  COM3\n") && says(beside.string() + " does not count")) << output;
+    EXPECT_TRUE(says("ttyUSB10  COM3\n") && says(beside.string() + " is not used")) << output;
     EXPECT_EQ(run({"remove", "3"}), 0);
     EXPECT_FALSE(fs::is_symlink(fresh) || fs::is_symlink(beside)) << "a removed port has no other link";
 }
