@@ -98,7 +98,7 @@ private:
             if (!holds)
                 wrong.push_back((write ? "write, " : "save, ") + fault + ": " + what);
         };
-        require(isUsable() && progressDialog() == nullptr && !gTransferBusy, "the window is not usable");
+        require(isUsable() && progressDialog() == nullptr && !TransferRun::isRunning(), "the window is not usable");
         const auto done = [&] {
             return write ? unitHolds("image.bin", unit)
                          : readFile("saved.bin") ==

@@ -8,7 +8,7 @@
 #include "text/blanks.h"
 #include "text/message_box.h"
 #include "text/runtime_failure.h"
-#include "transfer/image_buffers.h"
+#include "transfer/image_file.h"
 #include "upgrade/image_loading.h"
 
 #include <QFile>
@@ -16,13 +16,6 @@
 #include <QTemporaryDir>
 
 static int boxes = 0;
-
-// Linked in the place of the real boxes.
-MsgBoxResult showMessageBox(const QString& /*message*/, int /*style*/, const QString& /*title*/) {
-    ++boxes;
-    return kOk;
-}
-MsgBoxResult fncMsgBox(int /*id*/, int /*style*/, const QString& insert) { return showMessageBox(insert, kOkOnly, {}); }
 
 static void checkImage() {
     static const QRegularExpression version(QStringLiteral("\\A[0-9]{1,2}\\.[0-9]{3}\\z"));
@@ -38,6 +31,10 @@ static void checkImage() {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     static const QTemporaryDir folder;
+    setMessageBoxes([](const MessageBox&) {
+        ++boxes;
+        return kOk;
+    });
     setProgramFolder(folder.path());
     Input input(bytes, size);
     const QByteArray versionWord = QByteArray::fromStdString(input.bytes(2)).leftJustified(2, '\0');

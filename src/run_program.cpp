@@ -4,9 +4,10 @@
 #include "link/com_port.h"
 #include "system/program_end.h"
 #include "system/program_folder.h"
-#include "text/fonts.h"
-#include "text/indicators.h"
 #include "upgrade/main_window.h"
+#include "widgets/box_window.h"
+#include "widgets/fonts.h"
+#include "widgets/indicators.h"
 
 #include <QApplication>
 #include <QDir>
@@ -30,6 +31,7 @@ int runProgram(int argc, char* argv[], Edition edition) {
     QGuiApplication::setDesktopFileName(QCoreApplication::applicationName());
     QGuiApplication::setWindowIcon(programIcon());
     setProgramFolder(QCoreApplication::applicationDirPath());
+    setMessageBoxes(showBoxWindow);
     useGothicFonts();
     useVisibleIndicators();
     setProgramEnd([] {

@@ -1,8 +1,8 @@
 #include "app/language_dialog.h"
 
-#include "text/centring.h"
-#include "text/form_texts.h"
 #include "text/string_table.h"
+#include "widgets/centring.h"
+#include "widgets/form_texts.h"
 
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -11,6 +11,12 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+
+static constexpr ControlText kTexts[] = {
+    {"fraLanguage", IDS_FRMLANG_FRA_LANGUAGE, false},   {"optLanguage(0)", IDS_FRMLANG_OPT_JAPAN, false},
+    {"optLanguage(1)", IDS_FRMLANG_OPT_ENGLISH, false}, {"cmdOK", IDS_FRMLANG_CMD_OK, false},
+    {"cmdCancel", IDS_FRMLANG_CMD_CANCEL, false},
+};
 
 frmLanguage::frmLanguage() {
     setObjectName(QStringLiteral("frmLanguage"));
@@ -44,7 +50,10 @@ frmLanguage::frmLanguage() {
     connect(cmdOK, &QPushButton::clicked, this, [this] { cmdOK_Click(); });
     connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
 
-    subApplyLanguage(objectName());
+    subApplyLanguage([this] {
+        setWindowTitle(text(IDS_FRMLANG_CAPTION));
+        applyControlTexts(*this, kTexts);
+    });
     QRadioButton* chosen = optLanguage[gLanguage == 0 ? 0 : 1];
     chosen->setChecked(true);
     chosen->setFocus();

@@ -8,24 +8,42 @@
 #include "system/event_wait.h"
 #include "system/program_end.h"
 #include "system/single_instance.h"
-#include "text/centring.h"
 #include "text/error_report.h"
-#include "text/form_texts.h"
 #include "text/message_box.h"
 #include "text/runtime_failure.h"
 #include "text/string_table.h"
+#include "widgets/centring.h"
+#include "widgets/form_texts.h"
 
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QFrame>
 #include <QGridLayout>
 #include <QLabel>
+#include <QPixmap>
 #include <QPushButton>
 #include <QScopedValueRollback>
 #include <QVBoxLayout>
 #include <QWindow>
 
 static const QString kLineSettings = QStringLiteral(",n,8,1");
+
+static constexpr ControlText kTexts[] = {
+    {"lblBPS", IDS_FRMSTARTUP_LBL_BPS, true},
+    {"lblCom", IDS_FRMSTARTUP_LBL_PORT, true},
+    {"cmdEnd", IDS_FRMSTARTUP_CMD_END, true},
+    {"cmdTest", IDS_FRMSTARTUP_CMD_TEST, true},
+};
+
+/// The logo, which is stored larger, sharp on the screen of `window`.
+static QPixmap logo(const QWidget& window) {
+    constexpr int kStoredSize = 3;
+    const QPixmap stored(QStringLiteral(":/bitmap/1101"));
+    const qreal ratio = window.devicePixelRatioF();
+    QPixmap shown = stored.scaledToWidth(qRound(stored.width() * ratio / kStoredSize), Qt::SmoothTransformation);
+    shown.setDevicePixelRatio(ratio);
+    return shown;
+}
 
 template <typename Control>
 static Control* named(const char* name, Control* control) {
@@ -81,7 +99,10 @@ void frmStartUp::load() {
 
 void frmStartUp::startUp() {
     fncReadSetting();
-    subApplyLanguage(objectName());
+    subApplyLanguage([this] {
+        applyControlTexts(*this, kTexts);
+        imgLogo->setPixmap(logo(*this));
+    });
     mainWindow_.createHidden();
     if (!isOnlyInstance()) {
         fncMsgBox(IDS_MSGDATA_STARTUP_ALREADY, kCritical);
@@ -94,7 +115,7 @@ void frmStartUp::startUp() {
     fncPortOpen(gComPort, gBaudRate + kLineSettings);
     gblnCommBusy = false;
     QByteArray reply;
-    judgeFirstTest(fncSendTextCommand(QStringLiteral("0501"), reply));
+    judgeFirstTest(fncSendTextCommand(kReadAttributes, reply));
 }
 
 void frmStartUp::fillLists() {
@@ -135,7 +156,7 @@ void frmStartUp::selectConfiguredPort() {
 void frmStartUp::judgeFirstTest(const QString& result) {
     if (result == kNormalEnd) {
         enterMainWindow();
-    } else if (result == QLatin1String("2204")) {
+    } else if (result == kNotAvailable) {
         endProgram();
     } else {
         showMessageBox(gNoPortText, kExclamation);
@@ -171,10 +192,10 @@ void frmStartUp::testChosenPort() {
     if (!fncPortOpen(port, speed + kLineSettings))
         return;
     QByteArray reply;
-    QString result = fncSendTextCommand(QStringLiteral("0501"), reply);
+    QString result = fncSendTextCommand(kReadAttributes, reply);
     if (result != kNormalEnd) {
         QCoreApplication::processEvents();
-        result = fncSendTextCommand(QStringLiteral("0501"), reply);
+        result = fncSendTextCommand(kReadAttributes, reply);
     }
     if (result == kNormalEnd) {
         gComPort = static_cast<std::int16_t>(port);

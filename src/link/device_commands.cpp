@@ -27,7 +27,7 @@ static QString trapped(Command command) {
             fncMsgBox(IDS_MSGERR_COMM_TIMEOUT, kCritical, result);
         else
             fncMsgBox(IDS_MSGERR_COMM_EXCEPTION, kCritical, result);
-        return QStringLiteral("9999");
+        return kNoReply;
     }
 }
 
@@ -75,10 +75,19 @@ QString fncReadVariable(const QString& type, int address, int count, QByteArray&
 
 QString fncOperationCommand(const QString& code, int related) {
     return trapped([&](QString& result) {
-        const bool startsTransfer = code == QLatin1String("51") || code == QLatin1String("52");
+        const bool startsTransfer = code == kStartDownload || code == kStartUpload;
         const QString tail = startsTransfer ? QStringLiteral("0C00") : QStringLiteral("0000");
         QByteArray reply;
         result = fncSendCommand(QStringLiteral("3005") + code + hexDigits(related, 2) + tail, false, reply,
                                 gWaits.operationReply, false);
     });
+}
+
+int fncCheckSensorComm() {
+    constexpr int kNoNumber = 8;
+    QByteArray reply;
+    const QString code = fncSendTextCommand(kCheckSensor, reply);
+    bool isNumber = false;
+    const int number = code.toInt(&isNumber);
+    return isNumber ? number : kNoNumber;
 }

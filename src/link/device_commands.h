@@ -3,6 +3,8 @@
 /// Each gives the response code, or "9999" after a run-time failure, which it has shown to the operator. None throws.
 #pragma once
 
+#include "link/protocol_words.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -22,9 +24,6 @@ extern QString gUnitStatus;
 /// Number of connected sensor amplifiers, from the last status read.
 extern int gSensorCount;
 
-/// Response code of a command that the unit has carried out.
-inline constexpr QLatin1String kNormalEnd("0000");
-
 /// First position of the data in a reply, after the echoed command code and the response code.
 inline constexpr qsizetype kReplyData = 4;
 
@@ -39,5 +38,9 @@ QString fncReadUnitStatus(const QString& command, QByteArray& data);
 QString fncReadVariable(const QString& type, int address, int count, QByteArray& data,
                         std::chrono::milliseconds timeout, bool silent);
 
-/// Sends operation command `code` ("50" to "54") with the low 8 bits of `related`.
+/// Sends operation command `code`, one of kPrepareWrite to kEndTransfer, with the low 8 bits of `related`.
 QString fncOperationCommand(const QString& code, int related);
+
+/// Reads the sensor amplifier's type once: the check before a write.
+/// @return 0 when it answers normally; else its response code as a decimal number, or 8 when that is no number
+int fncCheckSensorComm();

@@ -1,5 +1,6 @@
 #include "link/frame.h"
 
+#include "link/protocol_words.h"
 #include "text/runtime_failure.h"
 #include "text/string_table.h"
 
@@ -104,7 +105,7 @@ bool ReplyParser::carriesResponse() const { return endCode_ == QLatin1String("00
 QString ReplyParser::result() const {
     if (carriesResponse())
         return responseCode_;
-    return endCode_.isEmpty() ? QStringLiteral("9999") : QStringLiteral("90") + endCode_;
+    return endCode_.isEmpty() ? kNoReply : QStringLiteral("90") + endCode_;
 }
 
 static QLatin1String flag(bool value) { return QLatin1String(value ? "True" : "False"); }

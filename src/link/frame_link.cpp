@@ -3,13 +3,15 @@
 #include "link/com_port.h"
 #include "link/communication_log.h"
 #include "link/frame.h"
+#include "link/protocol_words.h"
 #include "link/waits.h"
 #include "system/event_wait.h"
 #include "system/program_end.h"
 #include "text/message_box.h"
 #include "text/string_table.h"
 
-QByteArray gbytRecvData;
+/// Bytes of the last reply: echoed command code (2), response code (2), data.
+static QByteArray gbytRecvData;
 bool gblnCommBusy = false;
 int gintCommRetry = 0;
 
@@ -60,7 +62,7 @@ QString fncSendCommand(const QString& command, bool raw, QByteArray& data, std::
     subWaitCommFree(gWaits.exchangeMark);
     const QString result = fncExchange(command, raw, timeout);
     data = gbytRecvData;
-    if (!silent && result == QLatin1String("1234") && gintCommRetry >= kLastAttempt)
+    if (!silent && result == kCommunicationFault && gintCommRetry >= kLastAttempt)
         subReportCommError();
     return result;
 }

@@ -8,9 +8,6 @@
 
 #include <chrono>
 
-/// Bytes of the last reply: echoed command code (2), response code (2), data.
-extern QByteArray gbytRecvData;
-
 /// Set while an exchange runs, and left set by an exchange that a failure has ended.
 extern bool gblnCommBusy;
 

@@ -1,84 +1,24 @@
 #include "text/message_box.h"
 
-#include "text/centring.h"
+#include "system/standard_error.h"
 #include "text/runtime_failure.h"
 #include "text/string_table.h"
 
-#include <QApplication>
-#include <QFontMetrics>
-#include <QGridLayout>
-#include <QMessageBox>
-#include <QPushButton>
+#include <utility>
 
-#include <algorithm>
-
-/// The window that a box speaks of: the one in use, else any that is visible.
-static QWidget* ownerWindow() {
-    if (QWidget* modal = QApplication::activeModalWidget())
-        return modal;
-    if (QWidget* active = QApplication::activeWindow())
-        return active;
-    const QWidgetList windows = QApplication::topLevelWidgets();
-    const auto visible =
-        std::find_if(windows.begin(), windows.end(), [](const QWidget* w) { return w->isWindow() && w->isVisible(); });
-    return visible == windows.end() ? nullptr : *visible;
+static std::function<MsgBoxResult(const MessageBox&)>& shower() {
+    static std::function<MsgBoxResult(const MessageBox&)> show;
+    return show;
 }
 
-static QMessageBox::Icon iconOf(int style) {
-    switch (style & 0xF0) {
-    case kCritical:
-        return QMessageBox::Critical;
-    case kQuestion:
-        return QMessageBox::Question;
-    case kExclamation:
-        return QMessageBox::Warning;
-    case kInformation:
-        return QMessageBox::Information;
-    default:
-        return QMessageBox::NoIcon;
-    }
-}
-
-/// Width of the longest of `lines`, or of each of the equal parts into which it must be broken.
-static int textWidth(const QFontMetrics& metrics, const QStringList& lines) {
-    constexpr int kWidest = 620;
-    constexpr int kRoomForUnevenParts = 40;
-    int longest = 0;
-    for (const QString& line : lines)
-        longest = std::max(longest, metrics.horizontalAdvance(line));
-    const int parts = longest / kWidest + 1;
-    return parts == 1 ? longest : longest / parts + kRoomForUnevenParts;
-}
-
-/// Makes `box` wide enough for its title, which a short message would cut, and for lines that need not break early.
-static void makeRoom(QMessageBox& box) {
-    constexpr int kFrameAndCloseBox = 120;
-    constexpr int kIconAndMargins = 100;
-    const QFontMetrics metrics(box.font());
-    const int titleRoom = metrics.horizontalAdvance(box.windowTitle()) * 3 / 2 + kFrameAndCloseBox;
-    const int textRoom = textWidth(metrics, box.text().split(QLatin1Char('\n'))) + kIconAndMargins;
-    auto* grid = qobject_cast<QGridLayout*>(box.layout());
-    grid->addItem(new QSpacerItem(std::max(titleRoom, textRoom), 0), grid->rowCount(), 0, 1, grid->columnCount());
-}
+void setMessageBoxes(std::function<MsgBoxResult(const MessageBox&)> show) { shower() = std::move(show); }
 
 MsgBoxResult showMessageBox(const QString& message, int style, const QString& title) {
-    QMessageBox box(ownerWindow());
-    box.setWindowTitle(title);
-    box.setIcon(iconOf(style));
-    box.setTextFormat(Qt::PlainText);
-    box.setText(QString(message).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
-    QPushButton* ok = box.addButton(QMessageBox::Ok);
-    ok->setText(text(IDS_FRMLANG_CMD_OK));
-    box.setEscapeButton(ok);
-    if ((style & kOkCancel) != 0) {
-        QPushButton* cancel = box.addButton(QMessageBox::Cancel);
-        cancel->setText(text(IDS_FRMWAIT_CMD_CANCEL));
-        box.setEscapeButton(cancel);
-    }
-    makeRoom(box);
-    if (box.parentWidget() == nullptr)
-        centreOnScreen(box);
-    return box.exec() == QMessageBox::Ok ? kOk : kCancel;
+    const QString lines = QString(message).replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    if (shower())
+        return shower()({lines, style, title});
+    complain(lines);
+    return kOk;
 }
 
 /// The text of message `id` with its insert in the place that the message has for it.

@@ -1,7 +1,9 @@
-/// Message boxes: a catalogue message with an insert, or any text.
+/// Message boxes: a catalogue message with an insert, or any text. What shows them is set from above.
 #pragma once
 
 #include <QString>
+
+#include <functional>
 
 /// Buttons and icon of a message box; one of the buttons and one of the icons are added.
 enum MsgBoxStyle : int {
@@ -19,9 +21,19 @@ enum MsgBoxResult : int { kBoxFailed = 0, kOk = 1, kCancel = 2 };
 /// The title of every message box whose place names no other.
 inline constexpr char16_t kMsgBoxTitle[] = u"Dravolt";
 
-/// Shows `message` as plain text, modal, centred on the window that is in use, and waits for the answer.
+/// One message box: plain text, in lines.
+struct MessageBox {
+    QString text;
+    int style;  ///< sum of MsgBoxStyle values
+    QString title;
+};
+
+/// Sets what shows the boxes of the program and gives the operator's answer; main() sets windows, tests what they like.
 ///
-/// CR LF is a line break. Escape and the close box mean Cancel where that button is there, else OK.
+/// Until then a message goes to standard error, and its answer is OK.
+void setMessageBoxes(std::function<MsgBoxResult(const MessageBox&)> show);
+
+/// Shows `message`, in which CR LF is a line break, and waits for the answer.
 /// @param style  sum of MsgBoxStyle values
 MsgBoxResult showMessageBox(const QString& message, int style, const QString& title = QString::fromUtf16(kMsgBoxTitle));
 

@@ -1,41 +1,53 @@
 /// The receiving side of a read: blocks from the unit, in as many pieces as the line makes of them.
+///
+/// Pure: it takes bytes and the time, and says what they are. No port, no clock, no window.
 #pragma once
+
+#include "transfer/xmodem_packet.h"
 
 #include <QByteArray>
 
+#include <chrono>
+
 /// What a look at the input finds.
 enum PollResult : int {
-    kNothing = 0,  ///< nothing is waiting and no block has begun
-    kBlock = 1,    ///< a whole block is in gBlockBuf
+    kNothing = 0,  ///< no block has begun
+    kBlock = 1,    ///< a block is whole, see BlockReceiver::data()
     kAckCame = 2,
     kNakCame = 3,
     kEotCame = 4,
     kStartCame = 5,        ///< "C"
     kIncomplete = 6,       ///< a block has begun
-    kReceiveTimeOut = 12,  ///< silence for gWaits.readSilence
+    kReceiveTimeOut = 12,  ///< silence
 };
 
-/// The block that is being received.
-extern QByteArray gBlockBuf;
-/// Number of bytes of it that have come.
-extern int gBlockLen;
-
-/// Forgets a block that has begun, and counts the silence from now on; called when a read starts.
-void subStartReceive();
-
-/// Counts the silence from now on; called when an answer has been sent.
-void subAnswerSent();
-
-/// Looks once at the serial input, without waiting.
+/// Finds blocks and EOTs in what comes in.
 ///
-/// A block begins with SOH and is complete with its 132nd byte. Where none has begun, a control byte at the front
-/// counts as such, and what comes with it is dropped; any other byte before SOH or EOT is noise. Only a block or EOT
-/// ends the silence.
-/// @throws RuntimeFailure  the port is closed or gone
-PollResult fncPollReceive();
+/// A block begins with SOH and is whole with its 132nd byte; its number, complement and checksum are not looked at.
+/// Where none has begun, a control byte at the front of a piece counts as such, and what comes with it is dropped; any
+/// other byte before SOH or EOT is noise.
+class BlockReceiver {
+public:
+    using Time = std::chrono::steady_clock::time_point;
 
-/// Takes received bytes, none included, into the block or as a control byte. Pure but for gBlockBuf and gBlockLen.
-PollResult takeReceived(const QByteArray& bytes);
+    /// @param silence  so long after the last answer, or the last byte of a block, the unit is silent
+    /// @param now      the silence counts from then on
+    BlockReceiver(std::chrono::milliseconds silence, Time now) : silence_(silence), lastSign_(now) {}
 
-/// Appends the data of the block in gBlockBuf to gReadBuf, as far as it has room, and begins the next block.
-void subStoreBlock();
+    /// Takes what has come in since the last call, nothing included. What follows a whole block in `bytes` is dropped.
+    PollResult take(const QByteArray& bytes, Time now);
+
+    /// An answer has been sent: the silence counts from `now` on.
+    void answered(Time now) { lastSign_ = now; }
+
+    /// The data of the block that the last call has found, kBlockSize bytes.
+    QByteArray data() const { return block_.mid(kBlockHeader, kBlockSize); }
+
+private:
+    PollResult find(const QByteArray& bytes);
+    PollResult fill(const QByteArray& bytes);
+
+    const std::chrono::milliseconds silence_;
+    Time lastSign_;
+    QByteArray block_;  ///< what has come of the block that has begun
+};

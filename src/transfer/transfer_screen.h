@@ -1,23 +1,17 @@
-/// What the transfer engine needs of the screen.
+/// What a transfer needs of the screen.
 #pragma once
 
-/// The main window and its progress dialog, as the transfer engine sees them.
+/// The main window and its progress dialog, as the transfer sees them. The window is disabled before a run starts.
 class TransferScreen {
 public:
     /// Sets the progress bar to 0 of kImageSize bytes and shows the progress dialog.
     virtual void showProgress() = 0;
     /// Moves the progress bar to `bytes`, 0 to kImageSize.
     virtual void setProgress(int bytes) = 0;
-    /// Unloads the progress dialog.
-    virtual void unloadProgress() = 0;
-
-    /// Lets the timer `CommTimer` call the steps, every 100 ms.
-    virtual void startCommTimer() = 0;
-    /// Stops it.
-    virtual void stopCommTimer() = 0;
-
-    /// Enables the main window again.
-    virtual void enableWindow() = 0;
+    /// Unloads the progress dialog; the one that is shown next speaks of the verification.
+    virtual void announceVerification() = 0;
+    /// Unloads the progress dialog and gives the main window back to the operator, but for its cursor.
+    virtual void releaseWindow() = 0;
     /// Gives the main window its default cursor.
     virtual void setDefaultCursor() = 0;
     /// Copies the version of the image into the row of `unit`, to which it has been written.

@@ -2,8 +2,6 @@
 
 #include <numeric>
 
-static constexpr qsizetype kHeaderSize = 3;
-
 std::uint16_t fncCrc16(const QByteArray& bytes, qsizetype start, qsizetype length) {
     unsigned crc = 0;
     for (qsizetype i = start; i < start + length; ++i) {
@@ -21,14 +19,14 @@ static char checksum(const QByteArray& bytes) {
 
 QByteArray buildPacket(int number, const QByteArray& data, PacketCheck check) {
     QByteArray packet;
-    packet.reserve(kHeaderSize + kBlockSize + 2);
+    packet.reserve(kCrcPacketSize);
     packet += kSoh;
     packet += static_cast<char>(number);
     packet += static_cast<char>(255 - number);
     packet += data;
     if (check == PacketCheck::checksum)
         return packet += checksum(packet);
-    const std::uint16_t crc = fncCrc16(packet, kHeaderSize, kBlockSize);
+    const std::uint16_t crc = fncCrc16(packet, kBlockHeader, kBlockSize);
     packet += static_cast<char>(crc >> 8);
     return packet += static_cast<char>(crc & 0xFF);
 }

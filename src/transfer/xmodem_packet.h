@@ -16,6 +16,12 @@ inline constexpr char kCrcStart = 'C';
 
 /// Data bytes of a packet.
 inline constexpr qsizetype kBlockSize = 128;
+/// Bytes before them: SOH, block number, its complement.
+inline constexpr qsizetype kBlockHeader = 3;
+/// Bytes of a whole packet, by its check.
+inline constexpr qsizetype kChecksumPacketSize = kBlockHeader + kBlockSize + 1;
+inline constexpr qsizetype kCrcPacketSize = kBlockHeader + kBlockSize + 2;
+static_assert(kChecksumPacketSize == 132 && kCrcPacketSize == 133, "as XMODEM has it on the wire");
 
 /// How a packet is protected; the receiver chooses.
 enum class PacketCheck { checksum, crc };

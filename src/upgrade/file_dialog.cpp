@@ -1,7 +1,7 @@
 /// File dialog of the main window, for loading and saving.
 #include "system/program_folder.h"
-#include "text/form_texts.h"
 #include "upgrade/main_window.h"
+#include "widgets/form_texts.h"
 
 #include <QHeaderView>
 #include <QSettings>

@@ -4,7 +4,7 @@
 #include "text/error_report.h"
 #include "text/runtime_failure.h"
 #include "text/string_table.h"
-#include "transfer/image_buffers.h"
+#include "transfer/image_file.h"
 
 // Unit addresses; the first byte of an image lies at kImageBase.
 static constexpr int kImageBase = 0xC0000;

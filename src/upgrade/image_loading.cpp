@@ -8,8 +8,7 @@
 #include "text/error_report.h"
 #include "text/runtime_failure.h"
 #include "text/string_table.h"
-#include "transfer/binary_file.h"
-#include "transfer/image_buffers.h"
+#include "transfer/image_file.h"
 #include "upgrade/image_info.h"
 #include "upgrade/main_window.h"
 
@@ -33,7 +32,7 @@ static qint64 fileLength(const QString& path) {
 }
 
 void frmMain::cmdLoading_Click() {
-    if (isBusy())
+    if (TransferRun::isRunning())
         return;
     runTrapped([this] {
         const QString chosen = chooseFile(QFileDialog::AcceptOpen, gLoadFileName);

@@ -2,14 +2,14 @@
 
 #include "system/program_end.h"
 #include "system/program_folder.h"
-#include "text/centring.h"
-#include "text/fonts.h"
-#include "text/form_texts.h"
 #include "text/message_box.h"
 #include "text/string_table.h"
-#include "transfer/image_buffers.h"
+#include "transfer/image_file.h"
 #include "upgrade/form_layout.h"
 #include "upgrade/image_loading.h"
+#include "widgets/centring.h"
+#include "widgets/fonts.h"
+#include "widgets/form_texts.h"
 
 #include <QCheckBox>
 #include <QFileInfo>
@@ -42,6 +42,12 @@ constexpr ControlPlace kPlaces[] = {
 constexpr ControlPlace kServicePlaces[] = {
     {"lblService", 3'840, 120, 1'515, 300},
     {"cmdPresent", 600, 3'120, 2'895, 315},
+};
+
+constexpr ControlText kTexts[] = {
+    {"lblPresent", IDS_FRMMAIN_LBL_PRESENT, true}, {"lblRewriting", IDS_FRMMAIN_LBL_REWRITEING, true},
+    {"cmdLoading", IDS_FRMMAIN_CMD_LOADING, true}, {"cmdPresent", IDS_FRMMAIN_CMD_SAVE_PRESENT, true},
+    {"cmdUpgrade", IDS_FRMMAIN_CMD_UPGRADE, true}, {"cmdEnd", IDS_FRMMAIN_CMD_END, true},
 };
 
 QLabel* addHeading(QWidget& form, const char* name) {
@@ -117,8 +123,6 @@ void frmMain::connectControls() {
     connect(cmdPresent, &QPushButton::clicked, this, [this] { cmdPresent_Click(); });
     connect(cmdUpgrade, &QPushButton::clicked, this, [this] { cmdUpgrade_Click(); });
     connect(cmdEnd, &QPushButton::clicked, this, [this] { Form_QueryUnload(); });
-    CommTimer.setTimerType(Qt::PreciseTimer);
-    CommTimer.callOnTimeout([this] { CommTimer_Timer(); });
 }
 
 void frmMain::showServiceControls() {
@@ -136,7 +140,6 @@ void frmMain::createHidden() {
     setCatalogueFont(*chkVerify);
     gFileLoaded = false;
     cmdUpgrade->setEnabled(gFileLoaded);
-    gTransferBusy = false;
     if (!QFileInfo(programFile(QStringLiteral("TYPE.INI"))).isFile()) {
         showMessageBox(text(IDS_MSGERR_INIFILE_NOTEXIST), kCritical);
         endProgram();
@@ -148,7 +151,10 @@ void frmMain::subSetWindowTexts() {
     chkVerify->setText(literalText(u"Verification", u"ベリファイ実行"));
     optPresent[0]->setAccessibleName(literalText(u"Target: sensor amplifier", u"対象: センサアンプ"));
     optPresent[1]->setAccessibleName(literalText(u"Target: interface unit", u"対象: インターフェースユニット"));
-    subApplyLanguage(objectName());
+    subApplyLanguage([this] {
+        setWindowTitle(text(IDS_FRMMAIN_CAPTION));
+        applyControlTexts(*this, kTexts);
+    });
     // The rows would show in the system's font otherwise, beside headings in the catalogue's.
     for (QLabel* label : lblTitle)
         setCatalogueFont(*label);
@@ -181,23 +187,18 @@ void frmMain::disableWindow() {
 }
 
 void frmMain::enableWindow() {
-    // Its read-back is not its end.
-    if (verifying_)
-        return;
     content_->setEnabled(true);
     if (focusBefore_)
         focusBefore_->setFocus();
     focusBefore_.clear();
 }
 
-void frmMain::setDefaultCursor() {
-    if (!verifying_)
-        unsetCursor();
-}
+void frmMain::setDefaultCursor() { unsetCursor(); }
 
 frmWait& frmMain::progressDialog() {
     if (!frmWait_)
-        frmWait_ = std::make_unique<frmWait>(*this);
+        frmWait_ = std::make_unique<frmWait>(*this, lblTitle[kImageRow]->text(), lblVersion[kImageRow]->text(),
+                                             [this] { run_.cancel(); });
     return *frmWait_;
 }
 
@@ -209,4 +210,13 @@ void frmMain::showProgress() {
 
 void frmMain::setProgress(int bytes) { progressDialog().setBytes(bytes); }
 
-void frmMain::unloadProgress() { frmWait_.reset(); }
+void frmMain::announceVerification() {
+    frmWait_.reset();
+    progressDialog().setMessage(literalText(u"Verification...", u"ベリファイ中..."));
+}
+
+void frmMain::releaseWindow() {
+    frmWait_.reset();
+    enableWindow();
+    raise();
+}

@@ -2,14 +2,13 @@
 #pragma once
 
 #include "app/startup_form.h"
-#include "transfer/transfer_screen.h"
-#include "transfer/transfer_steps.h"
+#include "transfer/raw_line.h"
+#include "transfer/transfer_run.h"
 #include "upgrade/fitted_label.h"
 #include "upgrade/progress_dialog.h"
 
 #include <QFileDialog>
 #include <QPointer>
-#include <QTimer>
 #include <QWidget>
 
 #include <array>
@@ -42,10 +41,8 @@ public:
     // Transfer
     void showProgress() override;
     void setProgress(int bytes) override;
-    void unloadProgress() override;
-    void startCommTimer() override;
-    void stopCommTimer() override;
-    void enableWindow() override;
+    void announceVerification() override;
+    void releaseWindow() override;
     void setDefaultCursor() override;
     void showWrittenVersion(int unit) override;
 
@@ -61,6 +58,7 @@ private:
     void subSetWindowTexts();
     void Form_QueryUnload();
     void disableWindow();
+    void enableWindow();
 
     // Target choice
     TransferJob chosenJob() const;
@@ -75,17 +73,11 @@ private:
     void cmdUpgrade_Click();
     void startUpgrade();
     bool confirmCommunication();
-    void CommTimer_Timer();
-    void verify();
-    void readBack();
-    void showVerificationResult();
 
     // Save run
     void cmdPresent_Click();
     void startSave();
 
-    /// Whether a step or a verification is running: clicks and ticks that come in it do nothing.
-    bool isBusy() const { return gTransferBusy || verifying_; }
     frmWait& progressDialog();
 
     /// All controls: what is disabled during a run. The window itself is not, or it would have no cursor of its own.
@@ -99,10 +91,9 @@ private:
     QPushButton* cmdUpgrade;
     QPushButton* cmdEnd;
     QLabel* LabelWriteProtect;
-    QTimer CommTimer;
     QLabel* lblService = nullptr;  ///< null but for service engineers
-    TransferSteps steps_{*this};
-    bool verifying_ = false;
+    RawLine line_;
+    TransferRun run_{*this, line_};
     std::unique_ptr<frmWait> frmWait_;  ///< null while the progress dialog is not loaded
     QPointer<QWidget> focusBefore_;     ///< control that had the focus when the window was disabled
 };

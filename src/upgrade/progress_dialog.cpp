@@ -1,10 +1,11 @@
 #include "upgrade/progress_dialog.h"
 
-#include "text/form_texts.h"
+#include "text/blanks.h"
 #include "text/string_table.h"
-#include "transfer/transfer_steps.h"
 #include "upgrade/fitted_label.h"
 #include "upgrade/form_layout.h"
+#include "widgets/fonts.h"
+#include "widgets/form_texts.h"
 
 #include <QCloseEvent>
 #include <QProgressBar>
@@ -22,10 +23,20 @@ static constexpr ControlPlace kDialogPlaces[] = {
     {"cmdCancel", 3'720, 1'320, 1'095, 315},
 };
 
-frmWait::frmWait(QWidget& owner)
+static constexpr ControlText kTexts[] = {{"cmdCancel", IDS_FRMWAIT_CMD_CANCEL, true}};
+
+/// What the dialog says of the loaded image, whatever the dialog is used for.
+static QString progressMessage(const QString& imageName, const QString& imageVersion) {
+    const QString before = literalText(u" is under updating to ver", u" のソフトウェアを ver");
+    const QString after = literalText(u".", u" にアップデート中です。");
+    return trimBlanks(imageName + before + imageVersion + after);
+}
+
+frmWait::frmWait(QWidget& owner, const QString& imageName, const QString& imageVersion, std::function<void()> cancel)
     : QDialog(nullptr, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint),
       cmdCancel(addControl<QPushButton>(*this, QStringLiteral("cmdCancel"))),
       owner_(owner),
+      cancel_(std::move(cancel)),
       lblMsg(addControl<FittedLabel>(*this, QStringLiteral("lblMsg"))),
       prbComm(addControl<QProgressBar>(*this, QStringLiteral("prbComm"))) {
     setObjectName(QStringLiteral("frmWait"));
@@ -36,11 +47,15 @@ frmWait::frmWait(QWidget& owner)
     cmdCancel->setAutoDefault(false);
     prbComm->setAlignment(Qt::AlignCenter);
     // Often enough for the eye; each painting costs time that the transfer could use.
-    refresh_.setInterval(std::chrono::milliseconds(500));
+    refresh_.setInterval(std::chrono::seconds(1));
     refresh_.callOnTimeout([this] { refresh(); });
     connect(cmdCancel, &QPushButton::clicked, this, [this] { cmdCancel_Click(); });
-    subApplyLanguage(objectName());
-    setMessage(lblMsg->text());
+    subApplyLanguage([&] {
+        setWindowTitle(text(IDS_FRMWAIT_CAPTION));
+        setMessage(progressMessage(imageName, imageVersion));
+        setCatalogueFont(*lblMsg);
+        applyControlTexts(*this, kTexts);
+    });
 }
 
 void frmWait::setMessage(const QString& message) {
@@ -50,7 +65,7 @@ void frmWait::setMessage(const QString& message) {
 }
 
 void frmWait::cmdCancel_Click() {
-    TransferSteps::cancelRead();
+    cancel_();
     hide();
 }
 

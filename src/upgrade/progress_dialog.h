@@ -5,6 +5,8 @@
 #include <QElapsedTimer>
 #include <QTimer>
 
+#include <functional>
+
 class QLabel;
 class QProgressBar;
 class QPushButton;
@@ -15,7 +17,9 @@ class QPushButton;
 class frmWait : public QDialog {
 public:
     /// Loads the dialog, hidden; it belongs to nobody but stays above `owner` and is centred on it.
-    explicit frmWait(QWidget& owner);
+    /// @param imageName, imageVersion  of the loaded image, which the message names
+    /// @param cancel                   called when the operator presses "Cancel"
+    frmWait(QWidget& owner, const QString& imageName, const QString& imageVersion, std::function<void()> cancel);
 
     /// Sets the bar to 0 of `bytes` and shows the dialog.
     void start(int bytes);
@@ -39,6 +43,7 @@ private:
     QString timeLeft() const;
 
     QWidget& owner_;
+    std::function<void()> cancel_;
     QLabel* lblMsg;
     QProgressBar* prbComm;
     QTimer refresh_;

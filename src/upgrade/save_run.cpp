@@ -1,10 +1,12 @@
 /// Save run of the main window: the target unit's firmware goes into a file.
 #include "text/error_report.h"
-#include "transfer/image_buffers.h"
 #include "upgrade/main_window.h"
 
+/// File chosen last; preset in the next dialog.
+static QString gSaveFileName;
+
 void frmMain::cmdPresent_Click() {
-    if (isBusy())
+    if (TransferRun::isRunning())
         return;
     if (!runTrapped([this] { startSave(); })) {
         enableWindow();
@@ -12,13 +14,13 @@ void frmMain::cmdPresent_Click() {
     }
 }
 
-/// The timer `CommTimer` drives the steps that follow.
 void frmMain::startSave() {
     const QString chosen = chooseFile(QFileDialog::AcceptSave, gSaveFileName);
     if (chosen.isEmpty())
         return;
     gSaveFileName = chosen;
     disableWindow();
-    steps_.begin(chosenJob());
-    gTransferState = steps_.fncReadStep(kReadToStart);
+    TransferJob job = chosenJob();
+    job.file = chosen;
+    run_.read(job);
 }

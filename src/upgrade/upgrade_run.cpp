@@ -1,16 +1,15 @@
-/// Upgrade run of the main window: "Start upgrade", and the ticks that drive every transfer.
-#include "link/waits.h"
+/// Upgrade run of the main window: "Start upgrade".
+#include "link/device_commands.h"
 #include "text/error_report.h"
 #include "text/message_box.h"
 #include "text/string_table.h"
-#include "transfer/communication_check.h"
 #include "upgrade/main_window.h"
 
 #include <QLabel>
 #include <QPushButton>
 
 void frmMain::cmdUpgrade_Click() {
-    if (isBusy())
+    if (TransferRun::isRunning())
         return;
     if (!runTrapped([this] { startUpgrade(); })) {
         enableWindow();
@@ -35,28 +34,10 @@ void frmMain::startUpgrade() {
         return;
     }
     progressDialog().cmdCancel->setEnabled(false);
-    steps_.begin(job);
-    gTransferState = steps_.fncWriteStep(kWriteToStart);
+    run_.write(job);
 }
 
 /// Whether the sensor amplifier answers normally, or the operator wants to go on all the same.
 bool frmMain::confirmCommunication() {
     return fncCheckSensorComm() == 0 || fncMsgBox(IDS_MSGERR_NOTCHECK_CONFIRM, kOkCancel) == kOk;
-}
-
-void frmMain::startCommTimer() { CommTimer.start(gWaits.tick); }
-
-void frmMain::stopCommTimer() { CommTimer.stop(); }
-
-void frmMain::CommTimer_Timer() {
-    if (isBusy())
-        return;
-    runTrapped([this] {
-        if (gTransferState >= kReceivingBlocks && gTransferState <= kReadEnded)
-            gTransferState = steps_.fncReadStep(gTransferState);
-        if (gTransferState >= kFirstWriteTick && gTransferState <= kImageSent)
-            gTransferState = steps_.fncWriteStep(gTransferState);
-        if (gTransferState == kVerificationToRun)
-            verify();
-    });
 }

@@ -39,7 +39,8 @@ void frmMain::optPresent_Click(int index) {
 }
 
 TransferJob frmMain::chosenJob() const {
-    return {optPresent[0]->isChecked() ? kSensorAmplifier : kInterfaceUnit, chkVerify->isChecked()};
+    return {.unit = optPresent[0]->isChecked() ? kSensorAmplifier : kInterfaceUnit,
+            .verificationTicked = chkVerify->isChecked()};
 }
 
 void frmMain::showWrittenVersion(int unit) {

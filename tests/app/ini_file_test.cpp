@@ -1,7 +1,7 @@
 #include "app/ini_file.h"
 
-#include "support/boxes.h"
 #include "support/program.h"
+#include "support/user.h"
 
 #include <QFile>
 
@@ -41,7 +41,7 @@ TEST_F(IniFile, AFileThatCannotBeReadIsReportedAndGivesNothing) {
         [](const char* path) { return ::symlink("/dev/zero", path) == 0; },
         [](const char* path) { return QFile(path).open(QIODevice::WriteOnly) && ::truncate(path, 100'000'000) == 0; },
     };
-    BoxOperator user;
+    User user;
     for (const auto& make : makers) {
         ASSERT_TRUE(make(qPrintable(file("a.ini"))));
         EXPECT_EQ(read("s", "k"), "");

@@ -1,13 +1,13 @@
 #include "app/settings.h"
 
 #include "app/identification.h"
-#include "support/boxes.h"
 #include "support/program.h"
+#include "support/user.h"
 #include "text/string_table.h"
 
 class Settings : public ProgramTest {
 protected:
-    BoxOperator user;
+    User user;
 };
 
 TEST_F(Settings, LanguageAndPortComeFromTheFile) {

@@ -2,6 +2,7 @@
 
 #include "app/identification.h"
 #include "app/settings.h"
+#include "support/boxes.h"
 #include "support/units_test.h"
 
 #include <QComboBox>
@@ -15,7 +16,7 @@ public:
     QStringList calls;
 };
 
-class StartUp : public UnitsTest {
+class StartUp : public UnitsTestWith<BoxOperator> {
 protected:
     StartUp() {
         writeFile("Setting.INI", "[OPERATION]\nLanguage=ENGLISH\n[IFU]\nCOM=1\n");

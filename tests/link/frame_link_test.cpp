@@ -93,6 +93,6 @@ TEST_F(FrameLink, Code1234IsReportedAtTheThirdAttemptAndCancelEndsTheProgram) {
     EXPECT_EQ(send("0501"), "1234");
     EXPECT_TRUE(user.boxes().empty());
     gintCommRetry = 3;
-    user.answerNext(1);
+    user.answerNext(kCancel);
     EXPECT_THROW(send("0501"), ProgramEnded);
 }

@@ -2,9 +2,9 @@
 
 #include "link/com_port.h"
 #include "link/waits.h"
-#include "support/boxes.h"
 #include "support/program.h"
 #include "support/pty.h"
+#include "support/user.h"
 #include "text/runtime_failure.h"
 
 #include <QDir>
@@ -76,7 +76,7 @@ protected:
     static bool opens(int number = 1) { return fncPortOpen(number, QStringLiteral("38400,n,8,1")); }
 
     Pty pty;
-    BoxOperator user;
+    User user;
 };
 
 TEST_F(Port, SetsTheLineWhateverItWasAndDropsOldBytes) {

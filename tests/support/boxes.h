@@ -1,5 +1,7 @@
-/// An operator who answers every message box at once and remembers what it said.
+/// An operator who answers every message box at once, in its window, and remembers what it said.
 #pragma once
+
+#include "widgets/box_window.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -21,7 +23,11 @@ struct Box {
 /// Answers boxes for as long as it lives.
 class BoxOperator : public QObject {
 public:
-    BoxOperator() { qApp->installEventFilter(this); }
+    BoxOperator() {
+        setMessageBoxes(showBoxWindow);
+        qApp->installEventFilter(this);
+    }
+    ~BoxOperator() override { setMessageBoxes({}); }
 
     /// Presses the button `number` (0 the first) of the next box that has not got its answer yet; later boxes get OK.
     void answerNext(int number) { answers_.push_back(number); }

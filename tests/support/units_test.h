@@ -6,14 +6,16 @@
 #include "link/frame_link.h"
 #include "link/waits.h"
 #include "simulator/simulator.h"
-#include "support/boxes.h"
 #include "support/program.h"
+#include "support/user.h"
 
 using namespace std::chrono_literals;
 
-class UnitsTest : public ProgramTest {
+/// @tparam Operator  who answers the message boxes: User, or BoxOperator where boxes are windows
+template <class Operator>
+class UnitsTestWith : public ProgramTest {
 protected:
-    UnitsTest() {
+    UnitsTestWith() {
         gLanguage = 1;
         gLangOffset = 10000;
         gUnitNo = kSensorAmplifier;
@@ -21,7 +23,7 @@ protected:
         options.timing.startInterval = 50ms;
     }
 
-    ~UnitsTest() override {
+    ~UnitsTestWith() override {
         subPortClose();
         gblnCommBusy = false;
         gintCommRetry = 0;
@@ -54,5 +56,7 @@ protected:
 
     units::Options options;
     std::unique_ptr<units::Simulator> simulator;
-    BoxOperator user;
+    Operator user;
 };
+
+using UnitsTest = UnitsTestWith<User>;

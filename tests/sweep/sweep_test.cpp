@@ -1,9 +1,11 @@
-/// A whole session of the program, from its start to the end of a write or a save, again and again: once for every
-/// place in the conversation and every fault that can happen there. Whatever goes wrong, what must hold holds.
+/// A whole session of the program, from its start to the end of a write, a save or a verified write, again and again:
+/// once for every place in the conversation and every fault that can happen there. Whatever goes wrong, what must hold
+/// holds.
 #include "app/startup_form.h"
 #include "sweep/fault_kinds.h"
 #include "upgrade/main_window_fixture.h"
 
+#include <QCheckBox>
 #include <QElapsedTimer>
 
 #include <map>
@@ -42,9 +44,33 @@ const std::string kPlaces[] = {"Write_0501",
                                "Save_eot1",
                                "Save_eot2",
                                "Save_300554010000",
-                               "Save_300553010000"};
+                               "Save_300553010000",
+                               "Verify_300550010000",
+                               "Verify_300551010C00",
+                               "Verify_start",
+                               "Verify_packet1",
+                               "Verify_packet256",
+                               "Verify_packet1920",
+                               "Verify_eot",
+                               "Verify_300554010000",
+                               "Verify_300552010C00",
+                               "Verify_block1",
+                               "Verify_block960",
+                               "Verify_block1920",
+                               "Verify_eot1",
+                               "Verify_eot2",
+                               "Verify_300554010000_again2",
+                               "Verify_300554010000_again3",
+                               "Verify_300553010000"};
 
-/// The faults of a place: each kind once and, where the line is still there then, each time.
+enum class Work { write, save, verify };
+
+Work workOf(const std::string& place) {
+    return place.starts_with("Write") ? Work::write : place.starts_with("Save") ? Work::save : Work::verify;
+}
+
+/// The faults of a place: each kind once and, where the line is still there then, each time; the work of a verified
+/// write is that of a write and of a read, for which once is enough.
 FaultKinds faultsAt(const std::string& place) {
     std::string where = place.substr(place.find('_') + 1);
     if (const std::size_t again = where.find("_again"); again != std::string::npos)
@@ -52,16 +78,16 @@ FaultKinds faultsAt(const std::string& place) {
     FaultKinds faults;
     for (const std::string& kind : faultKindsAt(where)) {
         faults.push_back(kind + "@" + where);
-        if (!kind.starts_with("unplug"))
+        if (!kind.starts_with("unplug") && workOf(place) != Work::verify)
             faults.push_back(faults.back() + "*all");
     }
     return faults;
 }
 
-/// A session of the program, from fresh state, which comes to a write or to a save.
+/// A session of the program, from fresh state, which comes to its work.
 class Session : public MainWindowTest {
 public:
-    Session(bool writes, const std::string& fault) : writes_(writes) {
+    Session(Work work, const std::string& fault) : work_(work) {
         gWaits.reply = gWaits.exchangeMark = 100ms;
         gWaits.operationReply = 150ms;
         gWaits.transferStart = 600ms;
@@ -75,8 +101,9 @@ public:
         writeImage("image.bin", "AMPKEY", 13500);
         writeFile("saved.bin", "old");
         options.amplifierFirmware = units::makeImage("AMPKEY", 12500, 3);
-        options.uploadBlocks = 9;
+        options.uploadBlocks = work == Work::verify ? 1'920 : 9;
         window.showServiceControls();
+        window.findChild<QCheckBox*>("chkVerify")->setChecked(work == Work::verify);
         window.hide();
         plug({fault});
         orEnd([this] { form.load(); });
@@ -93,16 +120,15 @@ public:
     /// Does the work. @return whether the program says that it has succeeded
     bool work() {
         user.said();
-        if (writes_) {
+        if (work_ == Work::save) {
+            save("saved.bin");
+        } else {
             load("image.bin");
             upgrade();
-        } else {
-            save("saved.bin");
         }
         EXPECT_TRUE(window.isVisible() && isUsable() && progressDialog() == nullptr);
         EXPECT_EQ(shownCursor(), Qt::ArrowCursor);
-        EXPECT_FALSE(gTransferBusy);
-        EXPECT_TRUE(gTransferState == kIdleAfterWrite || gTransferState == kIdleAfterRead) << gTransferState;
+        EXPECT_FALSE(TransferRun::isRunning()) << gTransferState;
         const QStringList said = user.said();
         EXPECT_NE(said.contains("Succeed"), said.contains("Failed")) << "each run says how it went, once";
         return said.contains("Succeed");
@@ -110,8 +136,8 @@ public:
 
     /// Whether the work has come to its end: the image is in the unit, or the firmware in the file.
     bool isDone() const {
-        return writes_ ? unitHolds("image.bin", units::Unit::amplifier)
-                       : readFile("saved.bin") == firmware().left(9 * 128).leftJustified(kImageSize, '\0');
+        return work_ != Work::save ? unitHolds("image.bin", units::Unit::amplifier)
+                                   : readFile("saved.bin") == firmware().left(9 * 128).leftJustified(kImageSize, '\0');
     }
 
     bool offersPorts() const { return form.isVisible() && form.findChild<QPushButton*>("cmdTest")->isVisible(); }
@@ -132,7 +158,7 @@ private:
         }
     }
 
-    const bool writes_;
+    const Work work_;
     frmStartUp form{window};
 };
 
@@ -149,7 +175,9 @@ std::optional<qsizetype> dueRecords(const std::string& fault, const std::vector<
         return std::nullopt;
     const std::string place = fault.substr(fault.find('@') + 1);
     const std::string command = place.substr(0, place.find_first_of("#*"));
-    const auto asked = std::count(requests.begin(), requests.end(), command) - (place.find("#2") != std::string::npos);
+    const std::size_t mark = place.find('#');
+    const auto asked = std::count(requests.begin(), requests.end(), command) -
+                       (mark == std::string::npos ? 0 : std::stoi(place.substr(mark + 1)) - 1);
     return fault.ends_with("*all") ? asked : std::min<qsizetype>(asked, 1);
 }
 
@@ -159,9 +187,10 @@ bool escapesARead(const std::string& fault) {
 }
 
 /// What does not work the first time works as soon as the fault is over.
-void recover(Session& session, bool writes, const std::string& fault) {
+void recover(Session& session, Work work, const std::string& fault) {
     const bool entered = session.enter();
-    if (fault.ends_with("*all"))
+    const bool wantsRestart = entered && gobjComm == nullptr;  // after a verification
+    if (fault.ends_with("*all") || wantsRestart)
         return;
     if (!fault.starts_with("unplug")) {
         // What was late the first time may still be on the line the second time.
@@ -171,22 +200,22 @@ void recover(Session& session, bool writes, const std::string& fault) {
         session.plug({});
         EXPECT_TRUE(session.enter()) << "the cable is back";
     } else {
-        EXPECT_EQ(session.work(), !writes) << "only a start of the program opens the port again";
+        EXPECT_EQ(session.work(), work == Work::save) << "only a start of the program opens the port again";
         EXPECT_FALSE(session.isDone());
     }
 }
 
-void run(bool writes, const std::string& fault) {
+void run(Work work, const std::string& fault) {
     QElapsedTimer clock;
     clock.start();
-    Session session(writes, fault);
+    Session session(work, fault);
     const bool entered = session.enter();
     const bool succeeded = entered && session.work();
     EXPECT_TRUE(entered || session.hasEnded || session.offersPorts());
     EXPECT_LT(clock.elapsed(), 5'000);
-    if (writes) {
+    if (work != Work::save) {
         EXPECT_TRUE(!succeeded || waitServingEvents(3s, [&] { return session.isDone(); }));
-        EXPECT_EQ(session.row(0) == "AMP-A 1.500", succeeded);
+        EXPECT_EQ(session.row(0) == "AMP-A 1.500", succeeded && work == Work::write);
     } else {
         EXPECT_TRUE(session.isDone() || session.readFile("saved.bin") == "old" || escapesARead(fault));
     }
@@ -196,7 +225,7 @@ void run(bool writes, const std::string& fault) {
     EXPECT_TRUE(fault.starts_with("delay:400") || session.simulator->violations().empty())
         << session.simulator->violations().front();
     if (!session.hasEnded && !session.isDone())
-        recover(session, writes, fault);
+        recover(session, work, fault);
 }
 
 class Sweep : public testing::TestWithParam<std::string> {};
@@ -204,7 +233,7 @@ class Sweep : public testing::TestWithParam<std::string> {};
 TEST_P(Sweep, WhatMustHoldHolds) {
     for (const std::string& fault : faultsAt(GetParam())) {
         SCOPED_TRACE(fault);
-        run(GetParam().starts_with("Write"), fault);
+        run(workOf(GetParam()), fault);
     }
 }
 
@@ -213,12 +242,12 @@ INSTANTIATE_TEST_SUITE_P(FaultsAt, Sweep, testing::ValuesIn(kPlaces), [](const a
 });
 
 TEST(SweepPlaces, AreAllThatAGoodSessionHas) {
-    for (const char* work : {"Write_", "Save_"}) {
-        Session session(*work == 'W', "");
+    for (const char* work : {"Write_", "Save_", "Verify_"}) {
+        Session session(workOf(work), "");
         EXPECT_TRUE(session.enter() && session.work() && session.isDone());
         std::map<std::string, int> seen;
         for (const std::string& request : session.requests()) {
-            // A save starts as a write does.
+            // All sessions start as a write does.
             std::string place = (request.starts_with("3005") ? work : "Write_") + request;
             if (++seen[request] > 1)
                 place += "_again" + std::to_string(seen[request]);

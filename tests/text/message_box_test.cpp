@@ -1,17 +1,17 @@
 #include "text/message_box.h"
 
-#include "support/boxes.h"
 #include "support/program.h"
+#include "support/user.h"
 #include "text/error_report.h"
 #include "text/runtime_failure.h"
 #include "text/string_table.h"
 
-class MessageBox : public ProgramTest {
+class Messages : public ProgramTest {
 protected:
-    BoxOperator user;
+    User user;
 };
 
-TEST_F(MessageBox, EveryMessageSaysSomethingInBothLanguages) {
+TEST_F(Messages, EveryMessageSaysSomethingInBothLanguages) {
     const int ids[] = {
 #define DRAVOLT_STRING(id, name, english, japanese) name,
 #include "resources/string_table.def"
@@ -22,7 +22,7 @@ TEST_F(MessageBox, EveryMessageSaysSomethingInBothLanguages) {
             EXPECT_FALSE(text(id).trimmed().isEmpty()) << id << " + " << gLangOffset;
 }
 
-TEST_F(MessageBox, InsertsStandWhereTheMessageHasThem) {
+TEST_F(Messages, InsertsStandWhereTheMessageHasThem) {
     const std::tuple<int, const char*, const char*, const char*> cases[] = {
         {IDS_MSGDATA_COMM_PORT, "5", "The present communication port(COM5)is not effective.",
          "現在の通信ポート(COM5)は有効ではありません"},
@@ -45,7 +45,7 @@ TEST_F(MessageBox, InsertsStandWhereTheMessageHasThem) {
     EXPECT_TRUE(user.boxes().back().text.startsWith("番号 : 326\n内容 : ")) << qPrintable(user.boxes().back().text);
 }
 
-TEST_F(MessageBox, AFailureIsShownAndOnlyTheUnexpectedErrorOfTheLanguageInUseEndsTheProgram) {
+TEST_F(Messages, AFailureIsShownAndOnlyTheUnexpectedErrorOfTheLanguageInUseEndsTheProgram) {
     EXPECT_FALSE(runTrapped([] { throw RuntimeFailure(57, "COM1"); }));
     EXPECT_FALSE(runTrapped([] { throw std::bad_alloc(); }));
     const QString prefix = "アプリケーションで異常が発生しました。 / RES : ";

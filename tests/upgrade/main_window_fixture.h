@@ -2,10 +2,11 @@
 #pragma once
 
 #include "app/identification.h"
+#include "support/boxes.h"
 #include "support/units_test.h"
 #include "system/event_wait.h"
 #include "system/program_end.h"
-#include "transfer/image_buffers.h"
+#include "transfer/image_file.h"
 #include "upgrade/image_loading.h"
 #include "upgrade/main_window.h"
 
@@ -16,7 +17,7 @@
 #include <QRadioButton>
 #include <QWindow>
 
-class MainWindowTest : public UnitsTest {
+class MainWindowTest : public UnitsTestWith<BoxOperator> {
 protected:
     MainWindowTest() {
         QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
@@ -29,7 +30,6 @@ protected:
         gIfuTypeName = "IFU-D";
         gIfuVersion = "1.004";
         gFileTypeName = gFileVersion = gLoadFileName = QString();
-        gTransferState = kIdleAfterWrite;
         gWaits.tick = 1ms;
         gWaits.verificationPause = 20ms;
         window.createHidden();
@@ -62,14 +62,13 @@ protected:
     void save(const QString& name) {
         chooseInDialog(name);
         button("cmdPresent").click();
-        waitServingEvents(30s, [] { return gTransferState == kIdleAfterRead; });
+        waitServingEvents(30s, [] { return !TransferRun::isRunning(); });
     }
 
     /// Presses "Start upgrade" and lets the run come to its end.
     void upgrade() {
         button("cmdUpgrade").click();
-        waitServingEvents(30s,
-                          [] { return gTransferState == kIdleAfterWrite || gTransferState == kIdleAfterVerification; });
+        waitServingEvents(30s, [] { return !TransferRun::isRunning(); });
     }
 
     /// Whether the operator can work the window.

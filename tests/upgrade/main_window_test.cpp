@@ -90,7 +90,7 @@ TEST_F(MainWindowTest, NamesAreReadAloudAsTheyArePainted) {
     window.showProgress();
     for (const char* name : {"lblMsg", "prbComm"})
         EXPECT_EQ(spoken(progressDialog()->findChild<QWidget*>(name)), "<b>A&B</b> is under updating to ver1.004.");
-    window.unloadProgress();
+    window.releaseWindow();
 }
 
 TEST_F(MainWindowTest, UpgradesEitherUnitAndShowsItsNewVersion) {

@@ -37,6 +37,8 @@ TEST_F(ServiceTest, ASavedFirmwareLoadsAgainAndIsWrittenBackWithVerification) {
 TEST_F(ServiceTest, AReadBackThatDiffersInOneByteFails) {
     window.findChild<QCheckBox*>("chkVerify")->click();
     load("amp.bin");
+    // Sooner, and the foreign sender would still be there to take the next command.
+    gWaits.tick = 100ms;
     options.sender = "sx " + file("read.bin").toStdString() + " 2>/dev/null";
     for (const qsizetype differs : {qsizetype{-1}, qsizetype{0}, kImageSize / 2, kImageSize - 1}) {
         QByteArray sentBack = readFile("amp.bin");
@@ -63,7 +65,7 @@ TEST_F(ServiceTest, ARunKeepsItsUnitToItsLastCommand) {
     bool usableMeanwhile = false;
     QTimer meddler;
     meddler.callOnTimeout([&] {
-        if (!simulator->hasNoted("300552010C00") || gTransferState == kIdleAfterVerification)
+        if (!simulator->hasNoted("300552010C00") || !user.boxes().empty())
             return;
         window.findChild<QRadioButton*>("optPresent(1)")->setChecked(true);
         usableMeanwhile |= isUsable() || shownCursor() != Qt::WaitCursor;
@@ -100,6 +102,6 @@ TEST_F(ServiceTest, NothingClosesASaveBelowTheBoxOfItsCancel) {
     QTimer::singleShot(400ms, &window, [dialog] { EXPECT_NE(dialog, nullptr) << "it stands behind its box"; });
     dialog->findChild<QPushButton*>("cmdCancel")->click();
     EXPECT_EQ(user.boxes().front().title, "エラー");
-    waitServingEvents(5s, [] { return gTransferState == kIdleAfterRead; });
+    waitServingEvents(5s, [] { return !TransferRun::isRunning(); });
     EXPECT_TRUE(isUsable() && progressDialog() == nullptr);
 }

@@ -1,4 +1,4 @@
-#include "transfer/binary_file.h"
+#include "transfer/image_file.h"
 
 #include "text/blanks.h"
 #include "text/error_report.h"
@@ -7,6 +7,11 @@
 
 #include <QFile>
 #include <QSaveFile>
+
+QByteArray gImageBuf(kImageSize + 1, '\0');
+QByteArray gReadBuf(kImageSize + 1, '\0');
+
+int fncCompareImage() { return gReadBuf == gImageBuf ? 0 : 1; }
 
 [[noreturn]] static void failed(const QFileDevice& file) {
     throw RuntimeFailure(failure::kFileAccess, QStringLiteral("%1: %2").arg(file.fileName(), file.errorString()));
@@ -22,9 +27,7 @@ static void readInto(QByteArray& array, qsizetype count, const QString& path) {
     if (taken < count)
         throw RuntimeFailure(failure::kFileAccess, messageText(u"%1: the file ends after %2 of %3 bytes",
                                                                u"%1: ファイルが %2/%3 バイトで終わっています")
-                                                       .arg(path)
-                                                       .arg(taken)
-                                                       .arg(count));
+                                                       .arg(path, QString::number(taken), QString::number(count)));
 }
 
 static void writeFrom(const QByteArray& array, qsizetype count, const QString& path) {

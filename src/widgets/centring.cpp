@@ -1,4 +1,4 @@
-#include "text/centring.h"
+#include "widgets/centring.h"
 
 #include <QScreen>
 #include <QWidget>

@@ -1,7 +1,7 @@
-#include "text/fonts.h"
+#include "widgets/fonts.h"
 
 #include "system/program_folder.h"
-#include "text/form_texts.h"
+#include "widgets/form_texts.h"
 
 #include <QApplication>
 #include <QFontDatabase>

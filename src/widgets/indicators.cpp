@@ -1,4 +1,4 @@
-#include "text/indicators.h"
+#include "widgets/indicators.h"
 
 #include <QApplication>
 #include <QPalette>

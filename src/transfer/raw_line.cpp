@@ -1,0 +1,108 @@
+#include "transfer/raw_line.h"
+
+#include "link/com_port.h"
+#include "link/device_commands.h"
+#include "link/waits.h"
+#include "system/event_wait.h"
+#include "text/message_box.h"
+#include "text/runtime_failure.h"
+#include "transfer/response_codes.h"
+
+#include <QCoreApplication>
+
+using namespace std::chrono_literals;
+
+RawLine::RawLine() {
+    CommTimer.setTimerType(Qt::PreciseTimer);
+    CommTimer.callOnTimeout([this] { step_(); });
+}
+
+QString RawLine::operation(const QString& code, int unit) { return fncOperationCommand(code, unit); }
+
+void RawLine::clear() {
+    boundPort().discardInput();
+    boundPort().discardOutput();
+}
+
+void RawLine::clearInput() { boundPort().discardInput(); }
+
+int RawLine::fncSendRaw(const QByteArray& bytes) {
+    try {
+        boundPort().discardInput();
+        boundPort().output(bytes);
+        return kResultSuccess;
+    } catch (const RuntimeFailure& f) {
+        showMessageBox(f.description(), kCritical, QStringLiteral("エラー"));
+        return f.number();
+    }
+}
+
+QByteArray RawLine::received() {
+    constexpr qsizetype kAll = 4'096;
+    return boundPort().input(kAll);
+}
+
+/// The one byte that is waiting, if any.
+static std::optional<char> waitingByte() {
+    const QByteArray byte = boundPort().input(1);
+    return byte.isEmpty() ? std::nullopt : std::optional(byte[0]);
+}
+
+std::optional<char> RawLine::fncWaitByte(std::chrono::milliseconds limit) {
+    // A unit answers within a packet's time. The windows can wait as long, and the byte needs no round of the event
+    // loop.
+    constexpr auto kAnswerTime = 100ms;
+    if (now() - eventsServed_ >= kAnswerTime)
+        serveEvents();
+    const auto atOnce = std::min<std::chrono::milliseconds>(kAnswerTime, limit);
+    boundPort().waitForInput(atOnce);
+    std::optional<char> byte = waitingByte();
+    if (byte)
+        return byte;
+    const QSocketNotifier arrival(boundPort().descriptor(), QSocketNotifier::Read);
+    // A byte that is waiting wins over an elapsed limit.
+    waitServingEvents(limit - atOnce, [&byte] {
+        byte = waitingByte();
+        return byte.has_value();
+    });
+    return byte;
+}
+
+void RawLine::close() {
+    stopTicks();
+    subPortClose();
+}
+
+TransferLine::Time RawLine::now() const { return std::chrono::steady_clock::now(); }
+
+void RawLine::serveEvents() {
+    QCoreApplication::processEvents();
+    eventsServed_ = now();
+}
+
+void RawLine::pause(std::chrono::milliseconds time) {
+    waitServingEvents(time, [] { return false; });
+}
+
+void RawLine::startTicks(std::function<void()> step) {
+    step_ = std::move(step);
+    CommTimer.start(gWaits.tick);
+}
+
+void RawLine::watchInput() {
+    input_ = std::make_unique<QSocketNotifier>(boundPort().descriptor(), QSocketNotifier::Read);
+    input_->setEnabled(false);
+    QObject::connect(input_.get(), &QSocketNotifier::activated, &CommTimer, [this] { step_(); });
+}
+
+void RawLine::holdInput(bool hold) {
+    if (input_)
+        input_->setEnabled(!hold);
+}
+
+void RawLine::stopTicks() {
+    CommTimer.stop();
+    // It may be the notifier that has called the step.
+    if (input_)
+        input_.release()->deleteLater();
+}

@@ -1,0 +1,58 @@
+#include "transfer/block_receiver.h"
+
+#include "support/print.h"
+
+#include <gtest/gtest.h>
+
+using namespace std::chrono_literals;
+
+TEST(BlockReceiver, FindsBlocksAndEotsInWhateverComes) {
+    const QByteArray block = QByteArray::fromHex("0105fa") + QByteArray(128, '\x04') + '\x77';
+    const auto hex = [](const char* text) { return QByteArray::fromHex(text); };
+    struct Case {
+        const char* name;
+        QList<QByteArray> pieces;
+        PollResult last;
+    };
+    const Case cases[] = {
+        {"nothing", {""}, kNothing},
+        {"a block", {block}, kBlock},
+        {"a block in three pieces", {block.left(1), block.mid(1, 130), block.right(1)}, kBlock},
+        {"a block that has begun", {block.left(131), ""}, kIncomplete},
+        {"what follows a block is dropped", {block + hex("04"), ""}, kNothing},
+        {"the next block after it", {block + hex("ff"), block}, kBlock},
+        {"noise before a block", {hex("ff00") + block}, kBlock},
+        {"noise in a piece of its own", {hex("ff"), hex("3043"), block}, kBlock},
+        {"a late reply before a block", {hex("02303030303030333030353030303003") + block}, kBlock},
+        {"noise alone", {hex("ff")}, kNothing},
+        {"EOT", {hex("04")}, kEotCame},
+        {"noise before EOT", {hex("ff04")}, kEotCame},
+        {"EOT inside a block is data", {block.left(4), hex("04")}, kIncomplete},
+        {"ACK", {hex("06") + block}, kAckCame},
+        {"NAK", {hex("15") + block}, kNakCame},
+        {"C", {hex("43") + block}, kStartCame},
+    };
+    for (const Case& c : cases) {
+        BlockReceiver receiver(3s, {});
+        PollResult result = kNothing;
+        for (const QByteArray& piece : c.pieces)
+            result = receiver.take(piece, {});
+        EXPECT_EQ(result, c.last) << c.name;
+        if (result == kBlock) {
+            EXPECT_EQ(receiver.data(), QByteArray(128, '\x04')) << c.name;
+        }
+    }
+}
+
+TEST(BlockReceiver, IsSilentAfterThreeSecondsWithoutASignOfARead) {
+    const auto after = [](std::chrono::milliseconds time) { return BlockReceiver::Time{} + time; };
+    BlockReceiver receiver(3s, after(0s));
+    EXPECT_EQ(receiver.take("", after(2'999ms)), kNothing);
+    EXPECT_EQ(receiver.take("C", after(3s)), kReceiveTimeOut) << "a unit that asks is no unit that sends";
+    receiver.answered(after(3s));
+    EXPECT_EQ(receiver.take("noise", after(5'999ms)), kNothing);
+    EXPECT_EQ(receiver.take("noise", after(6s)), kReceiveTimeOut);
+    EXPECT_EQ(receiver.take("\x01", after(6s)), kIncomplete) << "a byte of a block wins over the time";
+    EXPECT_EQ(receiver.take("", after(8'999ms)), kIncomplete);
+    EXPECT_EQ(receiver.take("", after(9s)), kReceiveTimeOut);
+}

@@ -1,0 +1,108 @@
+/// A transfer without windows: a screen that remembers, and a line in memory.
+#pragma once
+
+#include "link/waits.h"
+#include "text/runtime_failure.h"
+#include "transfer/image_file.h"
+#include "transfer/response_codes.h"
+#include "transfer/transfer_run.h"
+#include "transfer/xmodem_packet.h"
+
+#include <QMap>
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <vector>
+
+using namespace std::chrono_literals;
+
+class FakeScreen final : public TransferScreen {
+public:
+    explicit FakeScreen(QStringList& told) : told_(told) {}
+
+    void showProgress() override {
+        told_ += "progress";
+        bytes = 0;
+    }
+    void setProgress(int value) override {
+        EXPECT_GE(value, bytes) << "progress only rises";
+        EXPECT_LE(value, kImageSize);
+        bytes = value;
+    }
+    void announceVerification() override { told_ += "verification"; }
+    void releaseWindow() override { told_ += "release"; }
+    void setDefaultCursor() override { told_ += "cursor"; }
+    void showWrittenVersion(int unit) override { told_ += QString("version of %1").arg(unit); }
+
+    int bytes = 0;
+
+private:
+    QStringList& told_;
+};
+
+/// A line in memory: the test says what the unit does, and the clock goes when the run waits.
+class MemoryLine final : public TransferLine {
+public:
+    explicit MemoryLine(QStringList& told) : told_(told) {}
+
+    QString operation(const QString& code, int unit) override {
+        told_ += code + (unit == kSensorAmplifier ? "" : "@0");
+        if (refusals.contains(code) && refusals[code]-- > 0)
+            return QStringLiteral("2203");
+        return kNormalEnd;
+    }
+    void clear() override {
+        if (isClosed)
+            throw RuntimeFailure(failure::kPortNotOpen, QStringLiteral("closed"));
+    }
+    void clearInput() override { ++cleared; }
+    int fncSendRaw(const QByteArray& bytes) override {
+        sent.push_back(bytes);
+        return sent.size() == failsAtSend ? failure::kDeviceIo : kResultSuccess;
+    }
+    QByteArray received() override {
+        if (input.empty())
+            return {};
+        QByteArray next = input.front();
+        input.pop_front();
+        return next;
+    }
+    std::optional<char> fncWaitByte(std::chrono::milliseconds limit) override {
+        const std::optional<char> byte = answer();
+        if (!byte)
+            time += limit;
+        return byte;
+    }
+    void close() override { isClosed = true; }
+    Time now() const override { return time; }
+    void serveEvents() override { whileServing(); }
+    void pause(std::chrono::milliseconds) override { whileServing(); }
+    void startTicks(std::function<void()> step) override { step_ = std::move(step); }
+    void watchInput() override {}
+    void holdInput(bool) override {}
+    void stopTicks() override { step_ = {}; }
+
+    bool ticks() const { return step_ != nullptr; }
+    /// Lets 100 ms pass.
+    void tick() {
+        time += 100ms;
+        // A copy, as the step may stop the ticks.
+        if (const auto step = step_)
+            step();
+    }
+
+    QMap<QString, int> refusals;   ///< how often an operation command is refused
+    std::deque<QByteArray> input;  ///< what comes in during a read, in pieces
+    std::size_t failsAtSend = 0;   ///< number of the raw send at which the port fails; 0: never
+    std::function<std::optional<char>()> answer = [this] { return sent.empty() ? kCrcStart : kAck; };
+    std::function<void()> whileServing = [] {};
+    std::vector<QByteArray> sent;
+    int cleared = 0;
+    bool isClosed = false;
+    Time time{};
+
+private:
+    QStringList& told_;
+    std::function<void()> step_;
+};

@@ -1,0 +1,94 @@
+#include "transfer/raw_line.h"
+
+#include "support/units_test.h"
+#include "system/event_wait.h"
+#include "transfer/memory_line.h"
+
+/// Runs on a real port, with simulated units or foreign programs behind it.
+class RawLineTest : public UnitsTest {
+protected:
+    RawLineTest() { gImageBuf = bytesOf(units::makeImage("SVA-STD", 13500, 7)) + '\0'; }
+
+    /// Lets the run come to its end. @return what the program says
+    QStringList end() {
+        waitServingEvents(20s, [] { return !TransferRun::isRunning(); });
+        return user.said();
+    }
+
+    QStringList told;
+    FakeScreen screen{told};
+    RawLine line;
+    TransferRun run{screen, line};
+};
+
+TEST_F(RawLineTest, AForeignReceiverGetsTheVeryImage) {
+    for (const char* receiver : {"rx", "rx -c"}) {
+        options.receiver =
+            std::string("sleep 0.1; ") + receiver + " " + file("received.bin").toStdString() + " 2>/dev/null";
+        unitsWith({});
+        run.write({});
+        EXPECT_EQ(end(), QStringList{"Succeed"}) << receiver;
+        EXPECT_EQ(readFile("received.bin"), gImageBuf.left(kImageSize)) << receiver;
+        QFile::remove(file("received.bin"));
+    }
+}
+
+TEST_F(RawLineTest, WritesThroughWhatALineDoes) {
+    gWaits.packetAnswer = 300ms;
+    unitsWith({"nak@packet3*5", "silence@packet3#6*4", "lost@packet256", "answer:4307000006@packet9", "lost@eot"});
+    run.write({});
+    EXPECT_EQ(end(), QStringList{"Succeed"});
+    EXPECT_EQ(firmware() + '\0', gImageBuf);
+    EXPECT_TRUE(simulator->violations().empty());
+    EXPECT_TRUE(simulator->unusedFaults().empty());
+}
+
+TEST_F(RawLineTest, SavesWhatComesHoweverItComes) {
+    options.uploadBlocks = 9;
+    for (const char* fault : {"", "split:1@block3", "splitat:1,20@block*all", "splitat:131,20@block*all",
+                              "noise:ff180600@block*all", "noise:ff@eot1", "noise:ff@eot2"}) {
+        unitsWith({fault});
+        run.read({.file = file("saved.bin")});
+        EXPECT_EQ(end(), QStringList("Succeed")) << fault;
+        EXPECT_EQ(readFile("saved.bin"), firmware().left(9 * 128).leftJustified(kImageSize, '\0')) << fault;
+        EXPECT_TRUE(simulator->violations().empty()) << fault;
+        QFile::remove(file("saved.bin"));
+    }
+}
+
+TEST_F(RawLineTest, AStepOfAReadDoesNotWaitForTheTick) {
+    gWaits.tick = 2'000ms;
+    options.uploadBlocks = 300;
+    unitsWith({});
+    run.read({.file = file("saved.bin")});
+    EXPECT_TRUE(waitServingEvents(1'900ms, [this] { return QFile::exists(file("saved.bin")); }));
+    // The last byte has been answered; only the tick closes the read.
+    EXPECT_TRUE(TransferRun::isRunning());
+    end();
+}
+
+TEST_F(RawLineTest, CancelReachesAUnitThatSends) {
+    options.uploadBlocks = 1'920;
+    unitsWith({});
+    run.read({.file = file("saved.bin")});
+    waitServingEvents(5s, [this] { return simulator->hasNoted("block 39 "); });
+    run.cancel();
+    EXPECT_EQ(end(), QStringList("Succeed"));
+    EXPECT_TRUE(simulator->hasNoted("upload cancelled by the client"));
+    EXPECT_FALSE(QFile::exists(file("saved.bin")));
+    EXPECT_TRUE(simulator->violations().empty()) << simulator->violations().front();
+}
+
+TEST_F(RawLineTest, AnUnpluggedPortEndsAReadAndDoesNotSpinBelowABox) {
+    gWaits.exchangeMark = 10ms;
+    unitsWith({"unplug@block20"});
+    int calls = 0;
+    setMessageBoxes([&](const MessageBox&) {
+        waitServingEvents(50ms, [&calls] { return ++calls < 0; });
+        return kOk;
+    });
+    run.read({.file = file("saved.bin")});
+    end();
+    EXPECT_LT(calls, 1'000) << "the events of a dead port";
+    EXPECT_FALSE(QFile::exists(file("saved.bin")));
+}
