@@ -155,7 +155,7 @@ CommandLine parseCommandLine(std::span<const std::string> arguments) {
 std::string commandLineHelp() {
     std::string text =
         "dravolt-units [OPTION]...\n\n"
-        "Acts as an interface unit with a sensor amplifier on a pseudo-terminal until SIGINT or SIGTERM.\n"
+        "Acts as an interface unit with a sensor amplifier on a pseudo-terminal until SIGINT, SIGTERM or SIGHUP.\n"
         "Exit status: 0 the client was faultless, 1 it was not, 2 the options or files are wrong.\n\n"
         "Options:\n";
     for (const OptionInfo& option : kOptions) {

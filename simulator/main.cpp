@@ -15,12 +15,21 @@ constexpr int kFaultless = 0;
 constexpr int kViolated = 1;
 constexpr int kUsage = 2;
 
+bool isIgnored(int signal) {
+    struct sigaction action {};
+    sigaction(signal, nullptr, &action);
+    return action.sa_handler == SIG_IGN;
+}
+
 /// Blocks the signals that end the program, for this thread and those it starts.
 sigset_t blockEndSignals() {
     sigset_t signals;
     sigemptyset(&signals);
-    sigaddset(&signals, SIGINT);
-    sigaddset(&signals, SIGTERM);
+    for (const int signal : {SIGINT, SIGTERM, SIGPIPE})
+        sigaddset(&signals, signal);
+    // Under nohup it stays ignored; a blocked signal would be seen all the same.
+    if (!isIgnored(SIGHUP))
+        sigaddset(&signals, SIGHUP);
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     return signals;
 }

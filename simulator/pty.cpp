@@ -124,10 +124,16 @@ void Pty::makeLink(const std::string& path) {
     link_ = path;
 }
 
-void Pty::closeAll() {
-    if (!link_.empty())
+void Pty::removeLink() {
+    // Another simulator may have put its own link there since.
+    std::error_code error;
+    if (!link_.empty() && std::filesystem::read_symlink(link_, error) == port_)
         unlink(link_.c_str());
     link_.clear();
+}
+
+void Pty::closeAll() {
+    removeLink();
     for (int* end : {&closings_, &slave_, &master_}) {
         if (*end >= 0)
             close(*end);

@@ -40,14 +40,15 @@ public:
     /// Why the client's terminal settings are not raw, 8N1, without echo, at the speed in bits a second; or nothing.
     std::optional<std::string> settingsFlaw(unsigned speed) const;
 
-    /// Hangs up for good and removes the link. Waits up to two seconds for the client to read what has been sent
-    /// before.
+    /// Hangs up for good and removes the link, if it is still this one's. Waits up to two seconds for the client to
+    /// read what has been sent before.
     void unplug();
 
 private:
     Pty() = default;
     void openBoth();
     void makeLink(const std::string& path);
+    void removeLink();
     void closeAll();
     void waitUntilRead() const;
 
