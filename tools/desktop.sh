@@ -41,6 +41,15 @@ soon() {
     done
 }
 
+# await_units PROCESS LINK: waits until the simulated units have made their link.
+await_units() {
+    if ! soon 10 link_or_end "$@" || [ ! -e "$2" ]; then
+        echo "the simulated units do not start" >&2
+        return 1
+    fi
+}
+link_or_end() { [ -e "$2" ] || ! kill -0 "$1"; }
+
 # window TITLE: number of the visible window with this title (a regular expression).
 window() { xdotool search --onlyvisible --name "$1" 2>/dev/null | tail -n 1 | grep .; }
 

@@ -8,20 +8,41 @@ need() {
         dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")
     done
     [ ${#missing[@]} -eq 0 ] && return
-    echo "Missing, $why: ${missing[*]}"
+    echo "Needed $why: ${missing[*]}"
     needed+=("${missing[@]}")
 }
 
 # Installs what need has collected; asks nothing, uses sudo only where it must.
 install_needed() {
     [ ${#needed[@]} -eq 0 ] && return
-    local as_root=()
-    [ "$(id -u)" -eq 0 ] || as_root=(sudo)
+    if ! command -v apt-get >/dev/null; then
+        echo "There is no apt-get here: install by hand what you lack of these packages, named as in Debian: ${needed[*]}"
+        needed=()
+        return
+    fi
     echo "Installing: ${needed[*]}"
-    "${as_root[@]}" apt-get update -q >/dev/null
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "${needed[@]}" \
-        >/dev/null
+    # A source that has nothing to do with these packages may be broken.
+    apt_get update || echo "Not every package source could be read; going on with the others."
+    apt_get install -y --no-install-recommends "${needed[@]}"
     needed=()
+}
+
+# Seconds to wait for another program that is installing something.
+lock_patience=600
+
+# apt_get ARGUMENT...: as root; shows only what goes wrong. apt-get's own way to wait leaves out the lock of an update.
+apt_get() {
+    local as_root=() complaints waiting=no end=$((SECONDS + lock_patience))
+    [ "$(id -u)" -eq 0 ] || as_root=(sudo)
+    until complaints=$("${as_root[@]}" env LC_ALL=C DEBIAN_FRONTEND=noninteractive apt-get -q "$@" 2>&1 >/dev/null); do
+        if [[ $complaints != *"Could not get lock"* || $SECONDS -ge $end ]]; then
+            echo "$complaints" >&2
+            return 1
+        fi
+        [ $waiting = yes ] || echo "Waiting for another program that installs something: ${complaints%%$'\n'*}"
+        waiting=yes
+        sleep 1
+    done
 }
 
 needed=()
@@ -30,6 +51,7 @@ need_build() {
     need "to build" g++ cmake ninja-build pkg-config
     need "for the windows (Qt 6 and its Japanese texts)" qt6-base-dev qt6-translations-l10n
     need "to read INI files" libsimpleini-dev
+    need "to keep the computer awake during a transfer" libdbus-1-dev
     need "to make the icons from their drawings" librsvg2-bin
 }
 

@@ -1,0 +1,45 @@
+# Sourced by commands that start others: what they start ends with them, and their builds do not disturb each other.
+
+declare -A started=()
+
+# start COMMAND...: in the background, as a process group of its own, whose number is $!.
+start() {
+    set -m
+    "$@" &
+    set +m
+    started[$!]=yes
+}
+
+# await_end PROCESS: the status of what was started; what it has left running ends now.
+await_end() {
+    local status=0
+    wait "$1" || status=$?
+    end_group "$1"
+    unset "started[$1]"
+    return "$status"
+}
+
+# attended COMMAND...: in the foreground, except that a signal to this shell need not wait for its end.
+attended() {
+    start "$@"
+    await_end $!
+}
+
+end_group() { kill -- "-$1" 2>/dev/null || true; }
+
+end_started() {
+    local group
+    for group in "${!started[@]}"; do end_group "$group"; done
+    wait
+}
+trap end_started EXIT
+
+# One build at a time: another one waits here until the shell that called this has ended.
+lock_build() {
+    local lock
+    mkdir -p build
+    exec {lock}>build/lock
+    flock -n "$lock" && return
+    echo "Waiting for another build in this folder"
+    flock "$lock"
+}
