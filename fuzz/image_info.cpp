@@ -8,6 +8,7 @@
 #include "text/blanks.h"
 #include "text/message_box.h"
 #include "text/runtime_failure.h"
+#include "text/single_bytes.h"
 #include "transfer/image_file.h"
 #include "upgrade/image_loading.h"
 
@@ -53,7 +54,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     const QString wordText = fncGetImageInfo(kImageVersionWord);
     require(wordText == (word <= 32767 ? QString::number(word) : QString()), "the version word is 0 to 32767");
     require(boxes == (word <= 32767 ? 0 : 1), "any other is reported once");
-    const QString key = trimBlanks(QString::fromLatin1(typeKey));
+    const QString key = trimBlanks(singleByteText(typeKey));
     require(fncGetImageInfo(kImageTypeKey) == key, "the type key is its 16 bytes");
     checkImage();
     return 0;

@@ -4,6 +4,8 @@
 #include "link/com_port.h"
 #include "system/program_end.h"
 #include "system/program_folder.h"
+#include "system/sleep_inhibitor.h"
+#include "system/standard_error.h"
 #include "upgrade/main_window.h"
 #include "widgets/box_window.h"
 #include "widgets/fonts.h"
@@ -12,6 +14,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QIcon>
+#include <QSessionManager>
 
 #include <cstdlib>
 
@@ -25,7 +28,15 @@ static QIcon programIcon() {
 }
 
 int runProgram(int argc, char* argv[], Edition edition) {
+    guardStandardError();
     QApplication application(argc, argv);
+    QObject::connect(
+        &application, &QGuiApplication::commitDataRequest, &application,
+        [](QSessionManager& session) {
+            if (SleepInhibitor::isHeld())
+                session.cancel();
+        },
+        Qt::DirectConnection);
     // Forms come and go; only endProgram() ends the program.
     QApplication::setQuitOnLastWindowClosed(false);
     QGuiApplication::setDesktopFileName(QCoreApplication::applicationName());

@@ -9,6 +9,7 @@
 #include "text/error_report.h"
 #include "text/message_box.h"
 #include "text/runtime_failure.h"
+#include "text/single_bytes.h"
 #include "text/string_table.h"
 
 #include <limits>
@@ -23,8 +24,8 @@ namespace {
 /// Whether the identification goes on; every way in which it cannot either ends the program or stops it quietly.
 bool readStatus() {
     QByteArray reply;
-    const QString result = fncReadUnitStatus(QStringLiteral("0601"), reply);
-    if (result == QLatin1String("1004")) {
+    const QString result = fncReadUnitStatus(kReadStatus, reply);
+    if (result == kNotIdentifiable) {
         gIfuVersion.clear();
         return false;
     }
@@ -55,8 +56,8 @@ std::int32_t bigEndianNumber(const QByteArray& reply, qsizetype first) {
 /// Reads the amplifier's type number; false when the unit has none to give.
 bool readTypeNumber(std::int32_t& number) {
     QByteArray reply;
-    const QString result = fncReadVariable(QStringLiteral("D4"), gUnitNo, 1, reply, gWaits.reply, false);
-    if (result == QLatin1String("2204"))
+    const QString result = fncReadVariable(kTypeNumberArea, gUnitNo, 1, reply, gWaits.reply, false);
+    if (result == kNotAvailable)
         return false;
     if (result != kNormalEnd)
         endProgram();
@@ -66,7 +67,7 @@ bool readTypeNumber(std::int32_t& number) {
 
 QString readKindKey() {
     QByteArray reply;
-    if (fncReadVariable(QStringLiteral("D5"), gUnitNo, 1, reply, gWaits.reply, false) != kNormalEnd)
+    if (fncReadVariable(kKindArea, gUnitNo, 1, reply, gWaits.reply, false) != kNormalEnd)
         endProgram();
     return QString::fromLatin1(reply.right(1).toHex().toUpper());
 }
@@ -84,9 +85,9 @@ void identifyInterfaceUnit() {
     gIfuVersion.clear();
     gIfuTypeName.clear();
     QByteArray reply;
-    if (fncSendTextCommand(QStringLiteral("0501"), reply) != kNormalEnd)
+    if (fncSendTextCommand(kReadAttributes, reply) != kNormalEnd)
         endProgram();
-    const QString attributes = QString::fromLatin1(reply.mid(kReplyData));
+    const QString attributes = singleByteText(reply.mid(kReplyData));
     gIfuTypeName = trimBlanks(fncGetIfuDefine(attributeModel(attributes), QStringLiteral("IFU_TYPE")));
     gIfuVersion = attributeVersion(attributes);
 }

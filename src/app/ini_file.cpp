@@ -18,11 +18,9 @@
 QStringList gListItems;
 
 QString iniText(const QByteArray& bytes) {
-    QStringDecoder utf8(QStringDecoder::Utf8);
-    const QString decoded = utf8.decode(bytes);
-    if (!utf8.hasError())
-        return decoded;
-    return QStringDecoder("windows-31j").decode(bytes);
+    // A decoder takes an incomplete character at the end for one whose rest is still to come.
+    return bytes.isValidUtf8() ? QStringDecoder(QStringDecoder::Utf8).decode(bytes)
+                               : QStringDecoder("windows-31j").decode(bytes);
 }
 
 QString iniValue(const QString& stored) {
@@ -34,20 +32,22 @@ QString iniValue(const QString& stored) {
 
 /// All of the file at `path`; nothing when it does not exist.
 static QByteArray readFile(const QString& path) {
-    const auto require = [&path](bool condition, const QString& reason) {
-        if (!condition)
-            throw RuntimeFailure(failure::kFileAccess, QStringLiteral("%1: %2").arg(path, reason));
+    const auto failed = [&path](const QString& reason) {
+        throw RuntimeFailure(failure::kFileAccess, QStringLiteral("%1: %2").arg(path, reason));
     };
     QFile file(path);
     if (!file.exists())
         return {};
     // A pipe would be waited for, a device be read without end.
-    require(QFileInfo(file).isFile(), messageText(u"this is no file", u"ファイルではありません"));
-    require(file.open(QIODevice::ReadOnly), file.errorString());
+    if (!QFileInfo(file).isFile())
+        failed(messageText(u"this is no file", u"ファイルではありません"));
+    if (!file.open(QIODevice::ReadOnly))
+        failed(file.errorString());
     const QByteArray bytes = file.read(kMostIniBytes + 1);
-    require(file.error() == QFileDevice::NoError, file.errorString());
-    require(bytes.size() <= kMostIniBytes,
-            messageText(u"the file has more than %1 bytes", u"ファイルが%1バイトを超えています").arg(kMostIniBytes));
+    if (file.error() != QFileDevice::NoError)
+        failed(file.errorString());
+    if (bytes.size() > kMostIniBytes)
+        failed(messageText(u"the file has more than %1 bytes", u"ファイルが%1バイトを超えています").arg(kMostIniBytes));
     return bytes;
 }
 

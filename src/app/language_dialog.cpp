@@ -12,7 +12,7 @@
 
 #include <algorithm>
 
-static constexpr ControlText kTexts[] = {
+static constexpr ControlText kLanguageTexts[] = {
     {"fraLanguage", IDS_FRMLANG_FRA_LANGUAGE, false},   {"optLanguage(0)", IDS_FRMLANG_OPT_JAPAN, false},
     {"optLanguage(1)", IDS_FRMLANG_OPT_ENGLISH, false}, {"cmdOK", IDS_FRMLANG_CMD_OK, false},
     {"cmdCancel", IDS_FRMLANG_CMD_CANCEL, false},
@@ -52,7 +52,7 @@ frmLanguage::frmLanguage() {
 
     subApplyLanguage([this] {
         setWindowTitle(text(IDS_FRMLANG_CAPTION));
-        applyControlTexts(*this, kTexts);
+        applyControlTexts(*this, kLanguageTexts);
     });
     QRadioButton* chosen = optLanguage[gLanguage == 0 ? 0 : 1];
     chosen->setChecked(true);

@@ -1,5 +1,6 @@
 #include "app/numbers.h"
 
+#include "text/blanks.h"
 #include "text/runtime_failure.h"
 #include "text/string_table.h"
 
@@ -28,20 +29,21 @@ double leadingNumber(const QString& text) {
 }
 
 bool isNumeric(const QString& text) {
-    const QString compact = withoutBlanks(text);
-    const QRegularExpressionMatch match = matchNumber(compact);
-    return match.hasMatch() && match.capturedLength() == compact.size();
+    const QString trimmed = trimBlanks(text);
+    const QRegularExpressionMatch match = matchNumber(trimmed);
+    return match.hasMatch() && match.capturedLength() == trimmed.size();
 }
 
 template <typename Integer>
 static Integer rounded(double value) {
+    constexpr int kWholeDigits = 15;  // every number that a double holds exactly shows whole
     const double nearest = std::nearbyint(value);
     if (!(nearest >= std::numeric_limits<Integer>::min() && nearest <= std::numeric_limits<Integer>::max()))
-        throw RuntimeFailure(failure::kOverflow, messageText(u"Overflow: %1 is not between %2 and %3",
-                                                             u"オーバーフロー: %1 は %2～%3 の範囲にありません")
-                                                     .arg(value)
-                                                     .arg(std::numeric_limits<Integer>::min())
-                                                     .arg(std::numeric_limits<Integer>::max()));
+        throw RuntimeFailure(
+            failure::kOverflow,
+            messageText(u"Overflow: %1 is not between %2 and %3", u"オーバーフロー: %1 は %2～%3 の範囲にありません")
+                .arg(QString::number(value, 'g', kWholeDigits), QString::number(std::numeric_limits<Integer>::min()),
+                     QString::number(std::numeric_limits<Integer>::max())));
     return static_cast<Integer>(nearest);
 }
 

@@ -13,7 +13,7 @@
 /// inside the text are skipped.
 double leadingNumber(const QString& text);
 
-/// Whether all of `text`, blanks aside, reads as one number.
+/// Whether all of `text`, blanks at its ends aside, reads as one number.
 bool isNumeric(const QString& text);
 
 /// `value` rounded to the nearest whole number, halves to the even one.

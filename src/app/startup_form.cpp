@@ -28,7 +28,7 @@
 
 static const QString kLineSettings = QStringLiteral(",n,8,1");
 
-static constexpr ControlText kTexts[] = {
+static constexpr ControlText kStartUpTexts[] = {
     {"lblBPS", IDS_FRMSTARTUP_LBL_BPS, true},
     {"lblCom", IDS_FRMSTARTUP_LBL_PORT, true},
     {"cmdEnd", IDS_FRMSTARTUP_CMD_END, true},
@@ -100,7 +100,7 @@ void frmStartUp::load() {
 void frmStartUp::startUp() {
     fncReadSetting();
     subApplyLanguage([this] {
-        applyControlTexts(*this, kTexts);
+        applyControlTexts(*this, kStartUpTexts);
         imgLogo->setPixmap(logo(*this));
     });
     mainWindow_.createHidden();

@@ -7,6 +7,7 @@
 #include "text/error_report.h"
 #include "text/message_box.h"
 #include "text/runtime_failure.h"
+#include "text/single_bytes.h"
 #include "text/string_table.h"
 
 int gUnitNo = 0;
@@ -48,7 +49,7 @@ static int decimalNumber(const QByteArray& characters) {
         throw RuntimeFailure(failure::kTypeMismatch,
                              messageText(u"The number of sensors in the status reply is no number: \"%1\"",
                                          u"ステータス応答のセンサ台数が数値ではありません: \"%1\"")
-                                 .arg(QString::fromLatin1(characters)));
+                                 .arg(singleByteText(characters)));
     return number;
 }
 
@@ -59,7 +60,7 @@ QString fncReadUnitStatus(const QString& command, QByteArray& data) {
         result = fncSendCommand(command, true, data, gWaits.reply, false);
         if (result != kNormalEnd)
             return;
-        gUnitStatus = QString::fromLatin1(data.mid(kReplyData, 2));
+        gUnitStatus = singleByteText(data.mid(kReplyData, 2));
         gSensorCount = decimalNumber(data.mid(kReplyData + 2, 2));
     });
 }

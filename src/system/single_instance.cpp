@@ -17,9 +17,13 @@ bool isOnlyInstance() {
     if (lock >= 0)
         return true;
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    if (folder.isEmpty()) {
+        complain(QStringLiteral("there is no runtime folder; a second copy cannot be noticed"));
+        return true;
+    }
     const QByteArray path = QFile::encodeName(QDir(folder).filePath(QStringLiteral("dravolt.lock")));
     // Left open on purpose: the lock lives as long as the descriptor does.
-    lock = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    lock = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600);
     if (lock < 0) {
         complain(QStringLiteral("%1: %2; a second copy cannot be noticed")
                      .arg(QFile::decodeName(path), qt_error_string(errno)));

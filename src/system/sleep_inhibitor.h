@@ -1,17 +1,25 @@
 /// Keeps the machine awake while a transfer runs.
 #pragma once
 
-#include <QDBusPendingReply>
-#include <QDBusUnixFileDescriptor>
+#include <memory>
 
-/// Holds a logind inhibitor against sleep and idle from its construction to its destruction.
+/// Holds logind inhibitors against shutdown, sleep, idle and the lid switch from its construction to its destruction.
 ///
-/// Waits for nothing; where there is no logind, it does nothing and shows nothing.
+/// Waits for nothing: a thread of its own asks, as a bus may not answer. Where there is no logind, or where it refuses,
+/// it does without and shows nothing.
 class SleepInhibitor {
 public:
     SleepInhibitor();
+    ~SleepInhibitor();
+    SleepInhibitor(const SleepInhibitor&) = delete;
+    SleepInhibitor& operator=(const SleepInhibitor&) = delete;
+
+    /// Whether there is such an object: whoever wants to end the session has to wait then.
+    static bool isHeld();
+
+    /// What has been taken, shared with the thread that asks.
+    struct Locks;
 
 private:
-    /// Owns the descriptor that logind answers with; the inhibition ends when it is closed.
-    QDBusPendingReply<QDBusUnixFileDescriptor> inhibition_;
+    std::shared_ptr<Locks> locks_;
 };

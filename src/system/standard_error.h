@@ -1,7 +1,13 @@
-/// What is said beside the windows, to whoever started the program from a terminal.
+/// Diagnostics on standard error, for whoever started the program from a terminal.
 #pragma once
 
 #include <QString>
 
-/// Writes one line with the program's name to standard error.
+/// Writes one line with the program's name to standard error, cut to what a pipe takes at once.
+///
+/// Never waits: a line that nobody can take now is dropped.
 void complain(const QString& line);
+
+/// Keeps standard error from ending or delaying the program: a pipe whose reader has gone ends nothing, and Qt's own
+/// messages take the way of complain(). main() calls it, first of all.
+void guardStandardError();

@@ -3,6 +3,7 @@
 #include "text/blanks.h"
 #include "text/error_report.h"
 #include "text/runtime_failure.h"
+#include "text/single_bytes.h"
 #include "text/string_table.h"
 #include "transfer/image_file.h"
 
@@ -25,7 +26,7 @@ int imageVersionWord(const QByteArray& image) {
 }
 
 QString fncGetImageText(const QByteArray& buffer, int first, int last, int base) {
-    return QString::fromLatin1(buffer.mid(first - base, last - first + 1));
+    return singleByteText(buffer.mid(first - base, last - first + 1));
 }
 
 QString fncGetImageInfo(int kind) {

@@ -44,7 +44,7 @@ constexpr ControlPlace kServicePlaces[] = {
     {"cmdPresent", 600, 3'120, 2'895, 315},
 };
 
-constexpr ControlText kTexts[] = {
+constexpr ControlText kMainTexts[] = {
     {"lblPresent", IDS_FRMMAIN_LBL_PRESENT, true}, {"lblRewriting", IDS_FRMMAIN_LBL_REWRITEING, true},
     {"cmdLoading", IDS_FRMMAIN_CMD_LOADING, true}, {"cmdPresent", IDS_FRMMAIN_CMD_SAVE_PRESENT, true},
     {"cmdUpgrade", IDS_FRMMAIN_CMD_UPGRADE, true}, {"cmdEnd", IDS_FRMMAIN_CMD_END, true},
@@ -153,7 +153,7 @@ void frmMain::subSetWindowTexts() {
     optPresent[1]->setAccessibleName(literalText(u"Target: interface unit", u"対象: インターフェースユニット"));
     subApplyLanguage([this] {
         setWindowTitle(text(IDS_FRMMAIN_CAPTION));
-        applyControlTexts(*this, kTexts);
+        applyControlTexts(*this, kMainTexts);
     });
     // The rows would show in the system's font otherwise, beside headings in the catalogue's.
     for (QLabel* label : lblTitle)

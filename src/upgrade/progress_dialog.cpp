@@ -23,7 +23,7 @@ static constexpr ControlPlace kDialogPlaces[] = {
     {"cmdCancel", 3'720, 1'320, 1'095, 315},
 };
 
-static constexpr ControlText kTexts[] = {{"cmdCancel", IDS_FRMWAIT_CMD_CANCEL, true}};
+static constexpr ControlText kWaitTexts[] = {{"cmdCancel", IDS_FRMWAIT_CMD_CANCEL, true}};
 
 /// What the dialog says of the loaded image, whatever the dialog is used for.
 static QString progressMessage(const QString& imageName, const QString& imageVersion) {
@@ -54,7 +54,7 @@ frmWait::frmWait(QWidget& owner, const QString& imageName, const QString& imageV
         setWindowTitle(text(IDS_FRMWAIT_CAPTION));
         setMessage(progressMessage(imageName, imageVersion));
         setCatalogueFont(*lblMsg);
-        applyControlTexts(*this, kTexts);
+        applyControlTexts(*this, kWaitTexts);
     });
 }
 

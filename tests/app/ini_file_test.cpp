@@ -30,6 +30,8 @@ TEST_F(IniFile, ValuesFollowTheReadingRules) {
     EXPECT_EQ(read("s", "アンプ"), "センサ～");
     writeFile("a.ini", "[s]\nk = \x83\x5a\x83\x93\x83\x54\x81\x60\n");
     EXPECT_EQ(read("s", "k"), "センサ～") << "CP932, as the text is no UTF-8";
+    writeFile("a.ini", "[s]\nk = text\xc3");
+    EXPECT_EQ(read("s", "k"), "textﾃ") << "the beginning of a UTF-8 sequence is none";
     writeFile("a.ini", "\xef\xbb\xbf[s]\nk = with a byte order mark\n");
     EXPECT_EQ(read("s", "k"), "with a byte order mark");
 }
@@ -49,6 +51,20 @@ TEST_F(IniFile, AFileThatCannotBeReadIsReportedAndGivesNothing) {
         EXPECT_TRUE(said.size() == 1 && said[0].contains(file("a.ini") + ": ")) << said.join('|').toStdString();
         ::remove(qPrintable(file("a.ini")));
     }
+}
+
+TEST_F(IniFile, AFileThatTheUserMayNotReadIsReportedWithTheReason) {
+    writeFile("a.ini", "[s]\nk = v\n");
+    ::chmod(qPrintable(file("")), 0755);
+    ::chmod(qPrintable(file("a.ini")), 0);
+    User user;
+    const bool isRoot = ::geteuid() == 0 && ::seteuid(65'534) == 0;
+    EXPECT_EQ(read("s", "k"), "");
+    if (isRoot) {
+        EXPECT_EQ(::seteuid(0), 0);
+    }
+    EXPECT_EQ(user.said(),
+              QStringList("アプリケーションで異常が発生しました。 / RES : " + file("a.ini") + ": Permission denied"));
 }
 
 TEST(List, KeepsEmptyItemsTrimsAndStopsAt101) {

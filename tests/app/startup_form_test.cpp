@@ -20,7 +20,7 @@ class StartUp : public UnitsTestWith<BoxOperator> {
 protected:
     StartUp() {
         writeFile("Setting.INI", "[OPERATION]\nLanguage=ENGLISH\n[IFU]\nCOM=1\n");
-        writeFile("TYPE.INI", "[AMP_TYPE]\n0A=12000,AMP-A,x\n[IFU_TYPE]\nSV-IFU16=D\n[IFU_DEFINE]\nD=IFU-D\n");
+        writeFile("TYPE.INI", "[AMP_TYPE]\n0A=12000,AMP-A,x\n[IFU_TYPE]\nSV-IFU16=D\nｱﾝ=D\n[IFU_DEFINE]\nD=IFU-D\n");
         gWaits.reply = gWaits.exchangeMark = 150ms;
     }
 
@@ -41,6 +41,7 @@ TEST_F(StartUp, EndsTheProgramOrHandsOverAfterWhatTheUnitsAnswer) {
     // what the units do, requests until then, rows of the units (null: the program ends), what is said
     const std::tuple<const char*, int, const char*, QStringList> cases[] = {
         {"", 5, "AMP-A 0.500, IFU-D 1.004", {}},
+        {"data:0xB1DD20202020202020202020202020205632@0501#2", 5, "AMP-A 0.500, IFU-D 2", {}},
         {"response:1004@0601", 2, " ,  ", {}},
         {"response:2204@0101D4", 3, " ,  ", {}},
         {"response:2204@0501", 1, nullptr, {}},

@@ -1,3 +1,4 @@
+#include "link/communication_log.h"
 #include "support/pty.h"
 #include "support/units_test.h"
 #include "text/runtime_failure.h"
@@ -6,6 +7,7 @@
 #include <QRegularExpression>
 #include <QTimer>
 
+#include <sys/stat.h>
 #include <thread>
 
 class FrameLink : public UnitsTest {
@@ -19,6 +21,11 @@ protected:
     QByteArray data;
     QElapsedTimer clock;
 };
+
+TEST_F(FrameLink, ALogThatIsNoFileIsAFailure) {
+    ASSERT_EQ(::mkfifo(qPrintable(file("PelkLog.txt")), 0600), 0);
+    EXPECT_THROW(subWriteCommLog("record"), RuntimeFailure);
+}
 
 TEST_F(FrameLink, ARefusedCommandIsNotSentAgainAndBytesAfterAReplyAreDropped) {
     unitsWith({"response:2204@300550", "repeat@300550#2"});

@@ -2,6 +2,7 @@
 #include "system/program_end.h"
 #include "system/single_instance.h"
 #include "system/sleep_inhibitor.h"
+#include "system/standard_error.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -11,12 +12,15 @@
 #include <QFile>
 #include <QProcess>
 #include <QStandardPaths>
+#include <QTemporaryDir>
 #include <QTimer>
 
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 using namespace std::chrono_literals;
@@ -50,21 +54,68 @@ TEST(SingleInstance, IsRefusedWhileAnotherHoldsTheLock) {
     EXPECT_TRUE(isOnlyInstance()) << "a killed copy does not block the next";
 }
 
-/// A logind that hands out one end of a pipe and keeps the other.
+TEST(SingleInstanceDeathTest, WithoutARuntimeFolderComplainsAndCountsAsTheOnlyCopy) {
+    const QTemporaryDir here;
+    const QString noFolder = here.filePath("file");
+    ASSERT_TRUE(QFile(noFolder).open(QIODevice::WriteOnly));
+    const auto ask = [&] {
+        // Qt makes one among the temporary files, where it can.
+        for (const char* folder : {"XDG_RUNTIME_DIR", "TMPDIR"})
+            qputenv(folder, noFolder.toLocal8Bit());
+        const bool onlyOne = ::chdir(qPrintable(here.path())) == 0 && isOnlyInstance();
+        std::_Exit(onlyOne && !QFile::exists("dravolt.lock") ? 0 : 1);
+    };
+    EXPECT_EXIT(ask(), testing::ExitedWithCode(0), "there is no runtime folder; a second copy cannot be noticed");
+}
+
+TEST(StandardErrorDeathTest, NeitherEndsNorDelaysTheProgram) {
+    for (const bool isFull : {false, true}) {
+        const auto say = [isFull] {
+            guardStandardError();
+            int ends[2];
+            ASSERT_EQ(::pipe2(ends, O_NONBLOCK), 0);
+            while (isFull && ::write(ends[1], "x", 1) == 1) {
+            }
+            if (!isFull)
+                ::close(ends[0]);
+            ::fcntl(ends[1], F_SETFL, 0);
+            ::dup2(ends[1], STDERR_FILENO);
+            ::alarm(5);
+            complain("nobody hears this");
+            qWarning("nor this");
+            std::_Exit(0);
+        };
+        EXPECT_EXIT(say(), testing::ExitedWithCode(0), "") << (isFull ? "full" : "the reader has gone");
+    }
+}
+
+/// A logind that hands out ends of pipes and keeps the others; it refuses one thing.
 class FakeLogind : public QDBusVirtualObject {
 public:
     QString introspect(const QString&) const override { return {}; }
 
     bool handleMessage(const QDBusMessage& call, const QDBusConnection& connection) override {
-        EXPECT_EQ(::pipe2(pipe, O_CLOEXEC | O_NONBLOCK), 0);
-        asked = call.member() == "Inhibit" ? call.arguments().at(0).toString() : QString();
-        connection.send(call.createReply(QVariant::fromValue(QDBusUnixFileDescriptor(pipe[1]))));
-        ::close(pipe[1]);
+        const QString what = call.arguments().at(0).toString();
+        asked += call.member() + ' ' + what + ' ' + call.arguments().at(3).toString();
+        if (what == refused)
+            return connection.send(call.createErrorReply(QDBusError::AccessDenied, "no"));
+        int ends[2];
+        EXPECT_EQ(::pipe2(ends, O_CLOEXEC | O_NONBLOCK), 0);
+        connection.send(call.createReply(QVariant::fromValue(QDBusUnixFileDescriptor(ends[1]))));
+        ::close(ends[1]);
+        kept.push_back(ends[0]);
         return true;
     }
 
-    QString asked;
-    int pipe[2] = {-1, -1};
+    /// How many of the inhibitions are still held.
+    int held() const {
+        char byte = 0;
+        return int(std::count_if(kept.begin(), kept.end(), [&byte](int end) { return ::read(end, &byte, 1) == -1; }));
+    }
+
+    QString refused = "shutdown";
+    QStringList asked;
+    std::vector<int> kept;
 };
 
 TEST(Sleep, IsInhibitedForAsLongAsTheObjectLives) {
@@ -77,15 +128,35 @@ TEST(Sleep, IsInhibitedForAsLongAsTheObjectLives) {
     FakeLogind logind;
     ASSERT_TRUE(system.registerVirtualObject("/org/freedesktop/login1", &logind));
     ASSERT_TRUE(system.registerService("org.freedesktop.login1"));
-    char byte = 0;
     {
         const SleepInhibitor inhibitor;
-        EXPECT_TRUE(waitServingEvents(5s, [&logind] { return logind.asked == "sleep:idle"; }));
+        EXPECT_TRUE(SleepInhibitor::isHeld());
+        EXPECT_TRUE(waitServingEvents(5s, [&logind] { return logind.kept.size() == 3; }));
         waitServingEvents(100ms, [] { return false; });
-        EXPECT_EQ(::read(logind.pipe[0], &byte, 1), -1) << "somebody holds the other end";
+        EXPECT_EQ(logind.asked, QStringList({"Inhibit sleep block", "Inhibit shutdown block",
+                                             "Inhibit handle-lid-switch block", "Inhibit idle block"}));
+        EXPECT_EQ(logind.held(), 3) << "one that is refused does not take the others along";
     }
-    EXPECT_EQ(::read(logind.pipe[0], &byte, 1), 0);
+    EXPECT_FALSE(SleepInhibitor::isHeld());
+    EXPECT_EQ(logind.held(), 0);
     QDBusConnection::disconnectFromBus("logind");
     bus.terminate();
     bus.waitForFinished();
+}
+
+TEST(Sleep, ABusThatNeverAnswersDelaysNothing) {
+    const QTemporaryDir folder;
+    const QByteArray path = folder.filePath("bus").toLocal8Bit();
+    sockaddr_un address{AF_UNIX, {}};
+    qstrncpy(address.sun_path, path.constData(), sizeof address.sun_path);
+    const int bus = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    ASSERT_EQ(::bind(bus, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(::listen(bus, 5), 0);
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + path);
+    QElapsedTimer clock;
+    clock.start();
+    { const SleepInhibitor inhibitor; }
+    EXPECT_LT(clock.elapsed(), 1'000);
+    ::close(bus);
+    waitServingEvents(100ms, [] { return false; });
 }

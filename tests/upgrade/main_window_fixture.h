@@ -22,7 +22,7 @@ protected:
     MainWindowTest() {
         QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
         writeFile("TYPE.INI", "[AMP_TYPE]\n0A=12000,AMP-A,x,22000,AMP-B\n"
-                              "[AMP_BIN_TYPE]\nAMPKEY=0A\nBOTH=0A\nNULL=0A\n"
+                              "[AMP_BIN_TYPE]\nAMPKEY=0A\nｱﾝﾌﾟ=0A\nBOTH=0A\nNULL=0A\n"
                               "[IFU_BIN_TYPE]\nIFUKEY=D\nBOTH=D\n"
                               "[IFU_DEFINE]\nD=IFU-D\n");
         gAmpTypeName = "AMP-A";

@@ -25,6 +25,7 @@ TEST_F(MainWindowTest, AnImageIsNamedByTheTypeTables) {
     const std::tuple<const char*, std::uint16_t, const char*> cases[] = {
         {"AMPKEY", 13500, "AMP-A 1.500"},
         {"ampkey", 22050, "AMP-B 0.050"},
+        {"\xb1\xdd\xcc\xdf", 13500, "AMP-A 1.500"},
         {"AMPKEY", 11999, " "},
         {"IFUKEY", 1004, "IFU-D 1.004"},
         {"BOTH", 13500, "IFU-D 13.500"},

@@ -1,0 +1,18 @@
+/// Texts that units and images carry.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+/// The text of `bytes`, one character a byte: CP932, as the type tables are, as far as single bytes go. Half-width
+/// katakana are themselves; the halves of a double-byte character stay two characters that no table has.
+inline QString singleByteText(const QByteArray& bytes) {
+    constexpr ushort kFirstKatakana = 0xA1;
+    constexpr ushort kLastKatakana = 0xDF;
+    constexpr ushort kHalfWidthKatakana = 0xFF61;
+    QString text = QString::fromLatin1(bytes);
+    for (QChar& character : text)
+        if (character >= QChar(kFirstKatakana) && character <= QChar(kLastKatakana))
+            character = QChar(character.unicode() - kFirstKatakana + kHalfWidthKatakana);
+    return text;
+}
