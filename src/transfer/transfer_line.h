@@ -13,6 +13,8 @@ class TransferLine {
 public:
     using Time = std::chrono::steady_clock::time_point;
 
+    virtual ~TransferLine() = default;
+
     /// Sends operation command `code` to `unit` and gives the response code. Never throws; a failure has been shown.
     virtual QString operation(const QString& code, int unit) = 0;
 
@@ -46,7 +48,4 @@ public:
     /// Whether bytes that come in call the step now; off while a step works on them.
     virtual void holdInput(bool hold) = 0;
     virtual void stopTicks() = 0;
-
-protected:
-    ~TransferLine() = default;
 };

@@ -1,7 +1,6 @@
-/// A transfer without windows: a screen that remembers, and a line in memory.
+/// A transfer without windows and port: a screen that remembers, and a line in memory.
 #pragma once
 
-#include "link/waits.h"
 #include "text/runtime_failure.h"
 #include "transfer/image_file.h"
 #include "transfer/response_codes.h"
@@ -9,8 +8,6 @@
 #include "transfer/xmodem_packet.h"
 
 #include <QMap>
-
-#include <gtest/gtest.h>
 
 #include <deque>
 #include <vector>
@@ -23,26 +20,26 @@ public:
 
     void showProgress() override {
         told_ += "progress";
-        bytes = 0;
+        bytes_ = 0;
     }
     void setProgress(int value) override {
-        EXPECT_GE(value, bytes) << "progress only rises";
-        EXPECT_LE(value, kImageSize);
-        bytes = value;
+        onlyRises = onlyRises && value >= bytes_ && value <= kImageSize;
+        bytes_ = value;
     }
     void announceVerification() override { told_ += "verification"; }
     void releaseWindow() override { told_ += "release"; }
     void setDefaultCursor() override { told_ += "cursor"; }
     void showWrittenVersion(int unit) override { told_ += QString("version of %1").arg(unit); }
 
-    int bytes = 0;
+    bool onlyRises = true;  ///< the progress, up to the size of an image
 
 private:
     QStringList& told_;
+    int bytes_ = 0;
 };
 
 /// A line in memory: the test says what the unit does, and the clock goes when the run waits.
-class MemoryLine final : public TransferLine {
+class MemoryLine : public TransferLine {
 public:
     explicit MemoryLine(QStringList& told) : told_(told) {}
 

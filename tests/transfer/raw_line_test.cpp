@@ -33,16 +33,6 @@ TEST_F(RawLineTest, AForeignReceiverGetsTheVeryImage) {
     }
 }
 
-TEST_F(RawLineTest, WritesThroughWhatALineDoes) {
-    gWaits.packetAnswer = 300ms;
-    unitsWith({"nak@packet3*5", "silence@packet3#6*4", "lost@packet256", "answer:4307000006@packet9", "lost@eot"});
-    run.write({});
-    EXPECT_EQ(end(), QStringList{"Succeed"});
-    EXPECT_EQ(firmware() + '\0', gImageBuf);
-    EXPECT_TRUE(simulator->violations().empty());
-    EXPECT_TRUE(simulator->unusedFaults().empty());
-}
-
 TEST_F(RawLineTest, SavesWhatComesHoweverItComes) {
     options.uploadBlocks = 9;
     for (const char* fault : {"", "split:1@block3", "splitat:1,20@block*all", "splitat:131,20@block*all",

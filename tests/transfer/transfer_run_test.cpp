@@ -40,6 +40,7 @@ protected:
             line.tick();
         EXPECT_FALSE(TransferRun::isRunning());
         EXPECT_FALSE(line.ticks());
+        EXPECT_TRUE(screen.onlyRises);
         return told.join(", ");
     }
 
