@@ -1,6 +1,7 @@
 #include "system/standard_error.h"
 
 #include <csignal>
+#include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
 
@@ -14,7 +15,27 @@ void complain(const QString& line) {
         (void)!::write(STDERR_FILENO, bytes.constData(), static_cast<std::size_t>(bytes.size()));
 }
 
+/// A standard stream that is closed would lend its number to the next file, which may be the port.
+static void openClosedStreams() {
+    int descriptor = 0;
+    while (descriptor >= 0 && descriptor <= STDERR_FILENO)
+        descriptor = ::open("/dev/null", O_RDWR);
+    ::close(descriptor);
+}
+
+/// Libraries write without asking for room. The flag must not reach those who share the stream, so it is opened anew;
+/// where that is refused, as for a socket, it stays as it is.
+static void writeWithoutWaiting() {
+    const int own = ::open("/dev/fd/2", O_WRONLY | O_APPEND | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (own < 0)
+        return;
+    ::dup2(own, STDERR_FILENO);
+    ::close(own);
+}
+
 void guardStandardError() {
+    openClosedStreams();
+    writeWithoutWaiting();
     std::signal(SIGPIPE, SIG_IGN);
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& message) { complain(message); });
 }

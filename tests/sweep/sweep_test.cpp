@@ -89,7 +89,7 @@ class Session : public MainWindowTest {
 public:
     Session(Work work, const std::string& fault) : work_(work) {
         gWaits.reply = gWaits.exchangeMark = 100ms;
-        gWaits.operationReply = 150ms;
+        gWaits.operationReply = 250ms;
         gWaits.transferStart = 600ms;
         // A busy machine can be late itself: no shorter a wait than the fault asks for.
         if (fault.find("@packet") != std::string::npos || fault.find("@eot") != std::string::npos ||
