@@ -1,6 +1,6 @@
-/// File dialog of the main window, for loading and saving.
+#include "upgrade/file_dialog.h"
+
 #include "system/program_folder.h"
-#include "upgrade/main_window.h"
 #include "widgets/form_texts.h"
 
 #include <QHeaderView>
@@ -24,10 +24,9 @@ static void keepNoHistory() {
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
 }
 
-/// Path of the file that the operator chooses, beginning with `preset`; empty when the dialog is cancelled.
-QString frmMain::chooseFile(QFileDialog::AcceptMode mode, const QString& preset) {
+QString chooseFile(QWidget& owner, QFileDialog::AcceptMode mode, const QString& preset) {
     keepNoHistory();
-    QFileDialog cmdSoft(this, QString(), programFolder());
+    QFileDialog cmdSoft(&owner, QString(), programFolder());
     cmdSoft.setAcceptMode(mode);
     // A file that does not exist is reported by the load, not by the dialog.
     cmdSoft.setFileMode(QFileDialog::AnyFile);

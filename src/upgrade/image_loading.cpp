@@ -9,11 +9,11 @@
 #include "text/runtime_failure.h"
 #include "text/string_table.h"
 #include "transfer/image_file.h"
+#include "upgrade/file_dialog.h"
 #include "upgrade/image_info.h"
 #include "upgrade/main_window.h"
 
 #include <QCoreApplication>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QLabel>
 #include <QPushButton>
@@ -35,7 +35,7 @@ void frmMain::cmdLoading_Click() {
     if (TransferRun::isRunning())
         return;
     runTrapped([this] {
-        const QString chosen = chooseFile(QFileDialog::AcceptOpen, gLoadFileName);
+        const QString chosen = chooseFile(*this, QFileDialog::AcceptOpen, gLoadFileName);
         if (chosen.isEmpty())
             return;
         gLoadFileName = chosen;

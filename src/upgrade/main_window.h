@@ -7,7 +7,6 @@
 #include "upgrade/fitted_label.h"
 #include "upgrade/progress_dialog.h"
 
-#include <QFileDialog>
 #include <QPointer>
 #include <QWidget>
 
@@ -66,7 +65,6 @@ private:
 
     // Image loading
     void cmdLoading_Click();
-    QString chooseFile(QFileDialog::AcceptMode mode, const QString& preset);
     void loadChosenImage();
 
     // Upgrade run

@@ -1,5 +1,6 @@
 /// Save run of the main window: the target unit's firmware goes into a file.
 #include "text/error_report.h"
+#include "upgrade/file_dialog.h"
 #include "upgrade/main_window.h"
 
 /// File chosen last; preset in the next dialog.
@@ -15,7 +16,7 @@ void frmMain::cmdPresent_Click() {
 }
 
 void frmMain::startSave() {
-    const QString chosen = chooseFile(QFileDialog::AcceptSave, gSaveFileName);
+    const QString chosen = chooseFile(*this, QFileDialog::AcceptSave, gSaveFileName);
     if (chosen.isEmpty())
         return;
     gSaveFileName = chosen;
