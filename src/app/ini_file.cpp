@@ -1,11 +1,11 @@
 #include "app/ini_file.h"
 
+#include "system/regular_file.h"
 #include "text/blanks.h"
 #include "text/error_report.h"
 #include "text/runtime_failure.h"
 #include "text/string_table.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QStringDecoder>
 
@@ -35,7 +35,7 @@ static QByteArray readFile(const QString& path) {
     const auto failed = [&path](const QString& reason) {
         throw RuntimeFailure(failure::kFileAccess, QStringLiteral("%1: %2").arg(path, reason));
     };
-    QFile file(path);
+    RegularFile file(path);
     if (!file.exists())
         return {};
     // A pipe would be waited for, a device be read without end.

@@ -1,0 +1,14 @@
+/// A file that must be a regular one.
+#pragma once
+
+#include <QFile>
+
+/// A QFile that opens nothing but a regular file or a link to one. A pipe, which QFile would wait for, or a device is a
+/// failure at once.
+class RegularFile : public QFile {
+public:
+    using QFile::QFile;
+
+    /// @param mode  ReadOnly, or Append, which makes a missing file
+    bool open(OpenMode mode) override;
+};
