@@ -8,6 +8,7 @@
 #include <QDBusMessage>
 #include <QDBusUnixFileDescriptor>
 #include <QDBusVirtualObject>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
@@ -20,6 +21,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -54,39 +56,45 @@ TEST(SingleInstance, IsRefusedWhileAnotherHoldsTheLock) {
     EXPECT_TRUE(isOnlyInstance()) << "a killed copy does not block the next";
 }
 
-TEST(SingleInstanceDeathTest, WithoutARuntimeFolderComplainsAndCountsAsTheOnlyCopy) {
+TEST(SingleInstanceDeathTest, WithoutALockOfItsOwnComplainsAndCountsAsTheOnlyCopy) {
     const QTemporaryDir here;
-    const QString noFolder = here.filePath("file");
-    ASSERT_TRUE(QFile(noFolder).open(QIODevice::WriteOnly));
-    const auto ask = [&] {
+    const QString linked = here.filePath("linked");
+    ASSERT_TRUE(QDir(here.path()).mkdir("linked") && QFile::link("target", linked + "/dravolt.lock"));
+    ASSERT_EQ(::chmod(qPrintable(linked), 0700), 0);
+    const auto ask = [&](const QString& runtimeFolder) {
+        qputenv("XDG_RUNTIME_DIR", runtimeFolder.toLocal8Bit());
         // Qt makes one among the temporary files, where it can.
-        for (const char* folder : {"XDG_RUNTIME_DIR", "TMPDIR"})
-            qputenv(folder, noFolder.toLocal8Bit());
+        qputenv("TMPDIR", "/dev/null");
         const bool onlyOne = ::chdir(qPrintable(here.path())) == 0 && isOnlyInstance();
-        std::_Exit(onlyOne && !QFile::exists("dravolt.lock") ? 0 : 1);
+        std::_Exit(onlyOne && !QFile::exists("dravolt.lock") && !QFile::exists("linked/target") ? 0 : 1);
     };
-    EXPECT_EXIT(ask(), testing::ExitedWithCode(0), "there is no runtime folder; a second copy cannot be noticed");
+    const auto ended = testing::ExitedWithCode(0);
+    EXPECT_EXIT(ask("/dev/null"), ended, "there is no runtime folder; a second copy cannot be noticed");
+    EXPECT_EXIT(ask("linked"), ended, "there is no runtime folder; a second copy cannot be noticed");
+    EXPECT_EXIT(ask(linked), ended, "dravolt.lock: .*; a second copy cannot be noticed") << "behind a link";
 }
 
 TEST(StandardErrorDeathTest, NeitherEndsNorDelaysTheProgram) {
-    for (const bool isFull : {false, true}) {
-        const auto say = [isFull] {
-            guardStandardError();
-            int ends[2];
-            ASSERT_EQ(::pipe2(ends, O_NONBLOCK), 0);
-            while (isFull && ::write(ends[1], "x", 1) == 1) {
-            }
-            if (!isFull)
-                ::close(ends[0]);
-            ::fcntl(ends[1], F_SETFL, 0);
-            ::dup2(ends[1], STDERR_FILENO);
-            ::alarm(5);
-            complain("nobody hears this");
-            qWarning("nor this");
-            std::_Exit(0);
-        };
-        EXPECT_EXIT(say(), testing::ExitedWithCode(0), "") << (isFull ? "full" : "the reader has gone");
-    }
+    enum Reader : int { gone, asleep, closed };
+    const auto complainTo = [](int reader) {
+        int ends[2];
+        ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+        ::dup2(ends[1], STDERR_FILENO);
+        ::close(ends[reader == gone ? 0 : 1]);
+        if (reader == closed)
+            ::close(STDERR_FILENO);
+        guardStandardError();
+        ::alarm(10);
+        for (int i = 0; i < 2'000; ++i) {
+            complain(QString(200, QLatin1Char('x')));
+            qWarning("from Qt");
+            (void)!::write(STDERR_FILENO, "from a library", 14);
+        }
+        std::_Exit(::open("/dev/null", O_RDONLY) > STDERR_FILENO ? 0 : 1);
+    };
+    for (const int reader : {gone, asleep, closed})
+        EXPECT_EXIT(complainTo(reader), testing::ExitedWithCode(0), "") << reader;
+    EXPECT_EXIT((guardStandardError(), qWarning("heard"), std::_Exit(0)), testing::ExitedWithCode(0), "dravolt: heard");
 }
 
 /// A logind that hands out ends of pipes and keeps the others; it refuses one thing.
