@@ -36,6 +36,6 @@ static void writeWithoutWaiting() {
 void guardStandardError() {
     openClosedStreams();
     writeWithoutWaiting();
-    std::signal(SIGPIPE, SIG_IGN);
+    (void)std::signal(SIGPIPE, SIG_IGN);
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& message) { complain(message); });
 }
