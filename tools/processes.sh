@@ -30,16 +30,17 @@ end_group() { kill -- "-$1" 2>/dev/null || true; }
 end_started() {
     local group
     for group in "${!started[@]}"; do end_group "$group"; done
-    wait
+    for group in "${!started[@]}"; do wait "$group" || true; done
 }
 trap end_started EXIT
 
-# One build at a time: another one waits here until the shell that called this has ended.
-lock_build() {
+# build PRESET [OPTION...]: configures and builds. Others that build here wait until the shell of the caller has ended, so
+# call it as `attended build`.
+build() {
     local lock
     mkdir -p build
     exec {lock}>build/lock
-    flock -n "$lock" && return
-    echo "Waiting for another build in this folder"
-    flock "$lock"
+    flock -n "$lock" || { echo "Waiting for another build in this folder" && flock "$lock"; }
+    cmake --preset "$1" >/dev/null
+    cmake --build --preset "$@"
 }
