@@ -88,14 +88,17 @@ FaultKinds faultsAt(const std::string& place) {
 class Session : public MainWindowTest {
 public:
     Session(Work work, const std::string& fault) : work_(work) {
-        gWaits.reply = gWaits.exchangeMark = 100ms;
-        gWaits.operationReply = 250ms;
-        gWaits.transferStart = 600ms;
         // A busy machine can be late itself: no shorter a wait than the fault asks for.
-        if (fault.find("@packet") != std::string::npos || fault.find("@eot") != std::string::npos ||
-            fault.starts_with("delay:400"))
-            gWaits.packetAnswer = 150ms;
-        gWaits.readSilence = 200ms;
+        const auto isAt = [&fault](const char* place) { return fault.find(place) != std::string::npos; };
+        const bool comesLate = fault.starts_with("delay:400");
+        const bool isInARead = isAt("@block") || isAt("@eot1") || isAt("@eot2") || isAt("@300552");
+        gWaits.exchangeMark = 100ms;
+        gWaits.reply = isAt("@0") || comesLate ? 100ms : 1'500ms;
+        gWaits.operationReply = isAt("@3") || comesLate ? 250ms : 1'500ms;
+        gWaits.transferStart = isAt("@start") || isAt("@3") || comesLate ? 600ms : 1'500ms;
+        if (isAt("@packet") || isAt("@eot") || comesLate)
+            gWaits.packetAnswer = 200ms;
+        gWaits.readSilence = isInARead || comesLate ? 200ms : 1'500ms;
         writeFile("Setting.INI", "[OPERATION]\nLanguage=ENGLISH\n[IFU]\nCOM=1\n");
         writeFile("TYPE.INI", readFile("TYPE.INI") + "[IFU_TYPE]\nSV-IFU16=D\n");
         writeImage("image.bin", "AMPKEY", 13500);
