@@ -3,7 +3,7 @@
 
 #include "link/ms_comm.h"
 
-/// The program's serial port while fncPortOpen() has bound it, else null; shared with the XMODEM sender.
+/// The program's serial port while fncPortOpen() has bound it, else null; shared with the line of a transfer.
 extern MSComm* gobjComm;
 
 /// The bound port.

@@ -2,6 +2,7 @@
 
 #include <dbus/dbus.h>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <unistd.h>
 #include <utility>
@@ -82,8 +83,15 @@ public:
     void ask(std::shared_ptr<SleepInhibitor::Locks> locks) {
         const std::scoped_lock lock(mutex_);
         next_ = std::move(locks);
-        if (!std::exchange(runs_, true))
+        if (runs_)
+            return;
+        try {
             std::thread([this] { run(); }).detach();
+            runs_ = true;
+        } catch (const std::system_error&) {
+            // No thread is to be had: the transfer does without.
+            next_.reset();
+        }
     }
 
 private:

@@ -8,8 +8,16 @@
 /// A pipe that takes bytes at all takes so many at once.
 static constexpr qsizetype kMaxLine = 512;
 
+/// `line` without what a terminal would obey: it may quote bytes of a unit, or the target of a link.
+static QString harmless(QString line) {
+    for (QChar& character : line)
+        if (character.category() == QChar::Other_Control || character.category() == QChar::Other_Format)
+            character = QLatin1Char('?');
+    return line;
+}
+
 void complain(const QString& line) {
-    const QByteArray bytes = "dravolt: " + line.toLocal8Bit().left(kMaxLine - 16) + '\n';
+    const QByteArray bytes = "dravolt: " + harmless(line).toLocal8Bit().left(kMaxLine - 16) + '\n';
     pollfd state{STDERR_FILENO, POLLOUT, 0};
     if (::poll(&state, 1, 0) > 0 && (state.revents & POLLOUT) != 0)
         (void)!::write(STDERR_FILENO, bytes.constData(), static_cast<std::size_t>(bytes.size()));

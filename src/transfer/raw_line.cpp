@@ -14,7 +14,7 @@ using namespace std::chrono_literals;
 
 RawLine::RawLine() {
     CommTimer.setTimerType(Qt::PreciseTimer);
-    CommTimer.callOnTimeout([this] { step_(); });
+    CommTimer.callOnTimeout([this] { callStep(); });
 }
 
 QString RawLine::operation(const QString& code, int unit) { return fncOperationCommand(code, unit); }
@@ -52,16 +52,17 @@ std::optional<char> RawLine::fncWaitByte(std::chrono::milliseconds limit) {
     // A unit answers within a packet's time. The windows can wait as long, and the byte needs no round of the event
     // loop.
     constexpr auto kAnswerTime = 100ms;
+    const Time end = now() + limit;
     if (now() - eventsServed_ >= kAnswerTime)
         serveEvents();
-    const auto atOnce = std::min<std::chrono::milliseconds>(kAnswerTime, limit);
-    boundPort().waitForInput(atOnce);
+    boundPort().waitForInput(std::min<std::chrono::nanoseconds>(kAnswerTime, end - now()));
     std::optional<char> byte = waitingByte();
     if (byte)
         return byte;
     const QSocketNotifier arrival(boundPort().descriptor(), QSocketNotifier::Read);
     // A byte that is waiting wins over an elapsed limit.
-    waitServingEvents(limit - atOnce, [&byte] {
+    const auto rest = std::chrono::ceil<std::chrono::milliseconds>(std::max(end - now(), Time::duration::zero()));
+    waitServingEvents(rest, [&byte] {
         byte = waitingByte();
         return byte.has_value();
     });
@@ -89,10 +90,16 @@ void RawLine::startTicks(std::function<void()> step) {
     CommTimer.start(gWaits.tick);
 }
 
+void RawLine::callStep() const {
+    // A copy, as the step may replace itself.
+    const auto step = step_;
+    step();
+}
+
 void RawLine::watchInput() {
     input_ = std::make_unique<QSocketNotifier>(boundPort().descriptor(), QSocketNotifier::Read);
     input_->setEnabled(false);
-    QObject::connect(input_.get(), &QSocketNotifier::activated, &CommTimer, [this] { step_(); });
+    QObject::connect(input_.get(), &QSocketNotifier::activated, &CommTimer, [this] { callStep(); });
 }
 
 void RawLine::holdInput(bool hold) {
@@ -102,7 +109,9 @@ void RawLine::holdInput(bool hold) {
 
 void RawLine::stopTicks() {
     CommTimer.stop();
+    if (!input_)
+        return;
+    input_->setEnabled(false);
     // It may be the notifier that has called the step.
-    if (input_)
-        input_.release()->deleteLater();
+    input_.release()->deleteLater();
 }

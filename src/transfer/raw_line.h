@@ -29,6 +29,8 @@ public:
     void stopTicks() override;
 
 private:
+    void callStep() const;
+
     std::function<void()> step_;
     QTimer CommTimer;
     std::unique_ptr<QSocketNotifier> input_;  ///< null while bytes that come in call nothing

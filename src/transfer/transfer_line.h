@@ -22,6 +22,7 @@ public:
     /// @throws RuntimeFailure  the port is not open
     virtual void clear() = 0;
     /// Discards what has come in.
+    /// @throws RuntimeFailure  the port is not open
     virtual void clearInput() = 0;
     /// Discards what has come in, then sends `bytes` in one write. Never throws: a port error is shown.
     /// @return 7 (kResultSuccess), or the number of the port error
@@ -43,9 +44,9 @@ public:
 
     /// Calls `step` every gWaits.tick until stopTicks(), from the event loop.
     virtual void startTicks(std::function<void()> step) = 0;
-    /// Lets bytes that come in call the step as well, at once; ends with stopTicks().
+    /// Lets bytes that come in call the step as well, once holdInput(false) is called; ends with stopTicks().
     virtual void watchInput() = 0;
-    /// Whether bytes that come in call the step now; off while a step works on them.
+    /// While `hold` is set, bytes that come in do not call the step.
     virtual void holdInput(bool hold) = 0;
     virtual void stopTicks() = 0;
 };

@@ -310,5 +310,7 @@ void TransferRun::finish(bool resumes, const std::function<void()>& sayHowItWent
     screen_.releaseWindow();
     awake_.reset();
     sayHowItWent();
+    if (readsBack_)
+        screen_.raiseWindow();
     screen_.setDefaultCursor();
 }

@@ -15,7 +15,7 @@
 /// States of a transfer.
 ///
 ///     write:         7 --> 12 --> 6          7 to 6 when the unit refuses the start, or the image send fails
-///                        `--> 13 --> 1       when a verification follows
+///                        `--> 13 --> 2       when a verification follows; to 5 when the unit refuses it
 ///     read:   1 --> 2 --> 4 --> 5 --> 0      to 5 from anywhere: refused, silence, failure, Cancel
 ///                                 `--> 14    when it was that of a verification
 enum TransferState : int {

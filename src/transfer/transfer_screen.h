@@ -12,6 +12,8 @@ public:
     virtual void announceVerification() = 0;
     /// Unloads the progress dialog and gives the main window back to the operator, but for its cursor.
     virtual void releaseWindow() = 0;
+    /// Brings the main window to the front.
+    virtual void raiseWindow() = 0;
     /// Gives the main window its default cursor.
     virtual void setDefaultCursor() = 0;
     /// Copies the version of the image into the row of `unit`, to which it has been written.

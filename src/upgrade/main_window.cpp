@@ -218,5 +218,6 @@ void frmMain::announceVerification() {
 void frmMain::releaseWindow() {
     frmWait_.reset();
     enableWindow();
-    raise();
 }
+
+void frmMain::raiseWindow() { raise(); }

@@ -42,6 +42,7 @@ public:
     void setProgress(int bytes) override;
     void announceVerification() override;
     void releaseWindow() override;
+    void raiseWindow() override;
     void setDefaultCursor() override;
     void showWrittenVersion(int unit) override;
 

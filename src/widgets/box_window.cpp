@@ -18,8 +18,9 @@ static QWidget* ownerWindow() {
     if (QWidget* active = QApplication::activeWindow())
         return active;
     const QWidgetList windows = QApplication::topLevelWidgets();
-    const auto visible =
-        std::find_if(windows.begin(), windows.end(), [](const QWidget* w) { return w->isWindow() && w->isVisible(); });
+    const auto visible = std::find_if(windows.begin(), windows.end(), [](const QWidget* w) {
+        return w->isVisible() && (w->windowType() == Qt::Window || w->windowType() == Qt::Dialog);
+    });
     return visible == windows.end() ? nullptr : *visible;
 }
 

@@ -28,6 +28,7 @@ public:
     }
     void announceVerification() override { told_ += "verification"; }
     void releaseWindow() override { told_ += "release"; }
+    void raiseWindow() override { told_ += "raise"; }
     void setDefaultCursor() override { told_ += "cursor"; }
     void showWrittenVersion(int unit) override { told_ += QString("version of %1").arg(unit); }
 

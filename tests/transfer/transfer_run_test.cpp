@@ -116,7 +116,7 @@ TEST_F(Run, AWriteAfterAPortErrorSaysWhereAndIsClosed) {
 
 TEST_F(Run, AVerificationSucceedsOnlyOverWhatItHasReadItself) {
     const QString write = "50, 51, progress, 54, verification, ";
-    const QString end = "54, 54, 53, release, %1, cursor";
+    const QString end = "54, 54, 53, release, %1, raise, cursor";
     struct Case {
         const char* name;
         std::function<void()> unit;
