@@ -69,8 +69,8 @@ public:
 private:
     void start(const TransferJob& job, TransferState first);
     void step();
-    TransferState fncWriteStep(TransferState state);
-    TransferState fncReadStep(TransferState state);
+    TransferState fncWriteStep(TransferState step);
+    TransferState fncReadStep(TransferState step);
 
     TransferState startWrite();
     void sendImage();
