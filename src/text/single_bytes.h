@@ -10,9 +10,9 @@ inline QString singleByteText(const QByteArray& bytes) {
     constexpr ushort kFirstKatakana = 0xA1;
     constexpr ushort kLastKatakana = 0xDF;
     constexpr ushort kHalfWidthKatakana = 0xFF61;
-    QString text = QString::fromLatin1(bytes);
-    for (QChar& character : text)
+    QString characters = QString::fromLatin1(bytes);
+    for (QChar& character : characters)
         if (character >= QChar(kFirstKatakana) && character <= QChar(kLastKatakana))
             character = QChar(character.unicode() - kFirstKatakana + kHalfWidthKatakana);
-    return text;
+    return characters;
 }
