@@ -136,11 +136,12 @@ void removeComLink(const Machine& machine, int number) {
     if (links.empty())
         throw Refusal(said(kNoLink, {std::to_string(number)}));
     std::for_each(links.begin(), links.end(), requireLink);
-    for (const fs::path& link : links) {
+    // The one that counts goes last: if the other has to stay, it must not take over.
+    for (auto link = links.rbegin(); link != links.rend(); ++link) {
         std::error_code error;
-        fs::remove(link, error);
+        fs::remove(*link, error);
         if (error)
-            refuse(link, error);
+            refuse(*link, error);
     }
 }
 
