@@ -10,8 +10,6 @@
 
 #include <QCoreApplication>
 
-using namespace std::chrono_literals;
-
 RawLine::RawLine() {
     CommTimer.setTimerType(Qt::PreciseTimer);
     CommTimer.callOnTimeout([this] { callStep(); });
@@ -51,7 +49,7 @@ static std::optional<char> waitingByte() {
 std::optional<char> RawLine::fncWaitByte(std::chrono::milliseconds limit) {
     // A unit answers within a packet's time. The windows can wait as long, and the byte needs no round of the event
     // loop.
-    constexpr auto kAnswerTime = 100ms;
+    constexpr std::chrono::milliseconds kAnswerTime(100);
     const Time end = now() + limit;
     if (now() - eventsServed_ >= kAnswerTime)
         serveEvents();
