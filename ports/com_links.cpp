@@ -132,16 +132,17 @@ NewTarget setComLink(const Machine& machine, int number, const std::string& devi
 }
 
 void removeComLink(const Machine& machine, int number) {
-    const std::vector<fs::path> links = linksOf(machine, number);
+    std::vector<fs::path> links = linksOf(machine, number);
     if (links.empty())
         throw Refusal(said(kNoLink, {std::to_string(number)}));
     std::for_each(links.begin(), links.end(), requireLink);
     // The one that counts goes last: if the other has to stay, it must not take over.
-    for (auto link = links.rbegin(); link != links.rend(); ++link) {
+    std::reverse(links.begin(), links.end());
+    for (const fs::path& link : links) {
         std::error_code error;
-        fs::remove(*link, error);
+        fs::remove(link, error);
         if (error)
-            refuse(*link, error);
+            refuse(link, error);
     }
 }
 
