@@ -126,12 +126,13 @@ TEST_F(Run, AVerificationSucceedsOnlyOverWhatItHasReadItself) {
     lastByteDiffers.back() ^= 1;
     const Case cases[] = {
         {"same", [this] { line.input = upload(gImageBuf.left(kImageSize)); }, "52, progress, " + end.arg("Succeed")},
+        {"the port is gone, after one that was the same", [this] { line.isClosed = true; },
+         "Application error./RES : closed, " + end.arg("Failed")},
         {"last byte differs", [&] { line.input = upload(lastByteDiffers); }, "52, progress, " + end.arg("Failed")},
         {"one byte more", [this] { line.input = upload(gImageBuf.left(kImageSize) + QByteArray(128, 'x')); },
          "52, progress, " + end.arg("Failed")},
         {"nothing comes", [] {}, "52, progress, " + end.arg("Failed")},
         {"an image of zeros, and nothing comes", [] { gImageBuf.fill('\0'); }, "52, progress, " + end.arg("Failed")},
-        {"the port is gone", [this] { line.isClosed = true; }, "Application error./RES : closed, " + end.arg("Failed")},
     };
     for (const Case& c : cases) {
         told.clear();
