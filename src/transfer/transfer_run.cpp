@@ -101,6 +101,8 @@ void TransferRun::cancel() {
     for (int i = 0; i < kCans && line_.fncSendRaw(QByteArray(1, kCan)) == kResultSuccess; ++i) {
     }
     state = kReadEnded;
+    // The rest of a block may still be on its way: the commands that follow wait for a whole tick.
+    line_.startTicks([this] { step(); });
 }
 
 // ---- a write ----

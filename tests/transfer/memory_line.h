@@ -9,6 +9,7 @@
 
 #include <QMap>
 
+#include <algorithm>
 #include <deque>
 #include <vector>
 
@@ -76,15 +77,19 @@ public:
     Time now() const override { return time; }
     void serveEvents() override { whileServing(); }
     void pause(std::chrono::milliseconds) override { whileServing(); }
-    void startTicks(std::function<void()> step) override { step_ = std::move(step); }
+    void startTicks(std::function<void()> step) override {
+        step_ = std::move(step);
+        nextTick_ = time + kTick;
+    }
     void watchInput() override {}
     void holdInput(bool) override {}
     void stopTicks() override { step_ = {}; }
 
     bool ticks() const { return step_ != nullptr; }
-    /// Lets 100 ms pass.
+    /// Lets the time up to the next tick pass.
     void tick() {
-        time += 100ms;
+        time = std::max(time, nextTick_);
+        nextTick_ = time + kTick;
         // A copy, as the step may stop the ticks.
         if (const auto step = step_)
             step();
@@ -101,6 +106,9 @@ public:
     Time time{};
 
 private:
+    static constexpr auto kTick = 100ms;
+
     QStringList& told_;
     std::function<void()> step_;
+    Time nextTick_{};
 };

@@ -201,3 +201,13 @@ TEST_F(Run, OnlyAReadThatReceivesIsCancelled) {
     EXPECT_EQ(story(), "52, progress, 54, 53, release, Succeed, cursor") << "nothing enters a run or closes it twice";
     EXPECT_FALSE(QFile::exists(file("saved.bin")));
 }
+
+TEST_F(Run, TheCommandsAfterACancelWaitForTheRestOfABlock) {
+    run.read({.file = file("saved.bin")});
+    line.time += 99ms;
+    const TransferLine::Time cancelled = line.time;
+    run.cancel();
+    line.tick();
+    EXPECT_EQ(line.time - cancelled, 100ms);
+    EXPECT_EQ(story(), "52, progress, 54, 53, release, Succeed, cursor");
+}
