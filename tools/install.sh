@@ -69,3 +69,12 @@ need_display() {
     need "for a virtual display and its window frames" xvfb openbox
     need "to work the windows and take pictures" xdotool imagemagick
 }
+
+need_fuzzers() { need "for the fuzzers, and names in what they report" clang-14 libclang-rt-14-dev llvm-14; }
+
+need_tour() {
+    need "to let a write fail" strace
+    need "to read the texts in the windows" at-spi2-core dbus-daemon gir1.2-atspi-2.0 python3-gi
+}
+
+need_packages() { need "to build and check packages" dpkg-dev lintian desktop-file-utils appstream; }

@@ -2,8 +2,8 @@
 
 declare -A started=()
 
-# start COMMAND...: in the background, as a process group of its own, whose number is $!.
-start() {
+# launch COMMAND...: in the background, as a process group of its own, whose number is $!.
+launch() {
     set -m
     "$@" &
     set +m
@@ -21,7 +21,7 @@ await_end() {
 
 # attended COMMAND...: in the foreground, except that a signal to this shell need not wait for its end.
 attended() {
-    start "$@"
+    launch "$@"
     await_end $!
 }
 
