@@ -11,6 +11,7 @@
 
 #include <csignal>
 #include <fcntl.h>
+#include <functional>
 #include <linux/serial.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
@@ -25,7 +26,7 @@ using namespace std::chrono_literals;
 /// A serial driver laid over the pseudo-terminal, as there is no serial hardware here.
 struct Driver {
     const char* name;
-    bool opens = false;
+    QString failure = {};               ///< how the failure to open ends
     unsigned flags = 0;                 ///< of the port
     unsigned keeps = 0;                 ///< flags that the program cannot change
     void (*spoil)(termios&) = nullptr;  ///< changes what the program sets
@@ -52,10 +53,11 @@ int __wrap_ioctl(int port, unsigned long request, void* argument) {
     if (request != TIOCGSERIAL && request != TIOCSSERIAL)
         return __real_ioctl(port, request, argument);
     int& flags = static_cast<serial_struct*>(argument)->flags;
+    const unsigned asked = unsigned(flags);
     if (request == TIOCSSERIAL)
-        gDriver->flags = (gDriver->flags & gDriver->keeps) | (unsigned(flags) & ~gDriver->keeps);
+        gDriver->flags = (gDriver->flags & gDriver->keeps) | (asked & ~gDriver->keeps);
     flags = int(gDriver->flags);
-    return 0;
+    return request == TIOCSSERIAL && gDriver->flags != asked ? -1 : 0;
 }
 
 int __real_tcsetattr(int port, int when, const termios* line);
@@ -74,6 +76,21 @@ protected:
     ~Port() override { subPortClose(); }
 
     static bool opens(int number = 1) { return fncPortOpen(number, QStringLiteral("38400,n,8,1")); }
+
+    /// What is said of a failure of `action`; empty if it succeeds.
+    static QString failureOf(const std::function<void()>& action) {
+        try {
+            action();
+            return {};
+        } catch (const RuntimeFailure& f) {
+            return f.description();
+        }
+    }
+
+    static QString failureToOpen(MSComm& port, int number = 1) {
+        port.setCommPort(number);
+        return failureOf([&port] { port.open("38400,n,8,1"); });
+    }
 
     Pty pty;
     User user;
@@ -161,11 +178,14 @@ TEST_F(Port, WithoutRightsIsAFailureThatSaysWhatHelps) {
 
 TEST_F(Port, StaysAwayFromAPortThatAnotherProgramHolds) {
     const int other = ::open(qPrintable(pty.device()), O_RDWR | O_NOCTTY);
+    MSComm port;
+    EXPECT_EQ(::write(other, "x", 1), 1);
     ::flock(other, LOCK_EX);
-    EXPECT_FALSE(opens());
+    EXPECT_TRUE(failureToOpen(port).endsWith("。他のプログラムがポートを使用しています"));
+    EXPECT_EQ(pty.received(), "x") << "what the other program sends is not dropped";
     ::flock(other, LOCK_UN);
     ::ioctl(other, TIOCEXCL);
-    EXPECT_FALSE(opens());
+    EXPECT_TRUE(failureToOpen(port).endsWith("。他のプログラムがポートを使用しています"));
     int mark = 0;
     ::ioctl(other, TIOCGEXCL, &mark);
     EXPECT_NE(mark, 0) << "the mark of the other program is not taken away";
@@ -178,20 +198,15 @@ TEST_F(Port, StaysAwayFromAPortThatAnotherProgramHolds) {
 }
 
 TEST_F(Port, FailuresSayWhatHelps) {
-    const auto failureOf = [](const auto& action) {
-        try {
-            action();
-        } catch (const RuntimeFailure& f) {
-            return f.description();
-        }
-        return QString("none");
-    };
-    linkPort(4, "/no%1%2where");
+    // A name that holds what the messages are put together with
+    const QString folder = file("%1%3%5");
+    QDir().mkdir(folder);
+    setProgramFolder(folder);
+    ASSERT_TRUE(QFile::link("/nowhere", folder + "/com4") && QFile::link(pty.device(), folder + "/com1"));
     MSComm unplugged;
-    unplugged.setCommPort(4);
-    EXPECT_EQ(failureOf([&] { unplugged.open("38400,n,8,1"); }),
-              "COM4: リンク " + file("com4") +
-                  " の先の /no%1%2where がありません。アダプターが抜けているか、リンクが古くなっています");
+    EXPECT_EQ(failureToOpen(unplugged, 4),
+              "COM4: リンク " + folder +
+                  "/com4 の先の /nowhere がありません。アダプターが抜けているか、リンクが古くなっています");
 
     ASSERT_TRUE(opens());
     gWaits.portWrite = 50ms;
@@ -202,6 +217,7 @@ TEST_F(Port, FailuresSayWhatHelps) {
     const itimerval none{};
     ::setitimer(ITIMER_REAL, &none, nullptr);
     gWaits = {};
+    EXPECT_TRUE(said.startsWith("COM1 (" + folder + "/com1): write: ")) << said.toStdString();
     EXPECT_TRUE(said.endsWith("。データを送信できません。ケーブルと電源を確認してください")) << said.toStdString();
 }
 
@@ -212,20 +228,30 @@ TEST_F(Port, OpensAgainAfterTheProgramWasKilled) {
 }
 
 TEST_F(Port, IsClaimedThenSetAndTheSettingsAreReadBack) {
+    const QString unfit =
+        "。ポートを 38400 bps、8N1 に設定できません。アダプターを差し直すか、別のアダプターを使用してください";
     Driver drivers[] = {
-        {"takes everything", true, ASYNC_SPD_VHI, 0},
-        {"refuses low latency", true, 0, ~0U},
-        {"keeps another speed for 38400", false, ASYNC_SPD_VHI, ASYNC_SPD_MASK},
-        {"sets another speed", false, 0, 0, [](termios& line) { ::cfsetspeed(&line, B19200); }},
-        {"waits for a carrier", false, 0, 0, [](termios& line) { line.c_cflag &= ~tcflag_t{CLOCAL}; }},
-        {"keeps XON/XOFF", false, 0, 0, [](termios& line) { line.c_iflag |= IXON; }},
+        {"takes everything", {}, ASYNC_SPD_VHI, 0},
+        {"refuses low latency", {}, 0, ~0U},
+        {"keeps another speed for 38400", unfit, ASYNC_SPD_VHI, ASYNC_SPD_MASK},
+        {"sets another speed", unfit, 0, 0, [](termios& line) { ::cfsetspeed(&line, B19200); }},
+        {"waits for a carrier", unfit, 0, 0, [](termios& line) { line.c_cflag &= ~tcflag_t{CLOCAL}; }},
+        {"keeps XON/XOFF", unfit, 0, 0, [](termios& line) { line.c_iflag |= IXON; }},
+        {"changes line ends", unfit, 0, 0, [](termios& line) { line.c_oflag |= OPOST; }},
+        {"echoes", unfit, 0, 0, [](termios& line) { line.c_lflag |= ECHO; }},
+        {"reads nothing as a hang-up", unfit, 0, 0, [](termios& line) { line.c_cc[VMIN] = 0; }},
+        {"holds bytes back", unfit, 0, 0, [](termios& line) { line.c_cc[VTIME] = 1; }},
     };
     for (Driver& driver : drivers) {
         gDriver = &driver;
-        EXPECT_EQ(opens(), driver.opens) << driver.name;
-        subPortClose();
+        MSComm port;
+        const QString failure = failureToOpen(port);
+        EXPECT_TRUE(failure.isEmpty() == driver.failure.isEmpty() && failure.endsWith(driver.failure)) << driver.name;
+        EXPECT_EQ(port.isOpen(), failure.isEmpty()) << driver.name;
+        port.close();
         gDriver = nullptr;
-        EXPECT_LT(driver.requests.indexOf(TIOCEXCL), driver.requests.indexOf(TIOCSSERIAL)) << driver.name;
+        const auto claimed = driver.requests.indexOf(TIOCEXCL);
+        EXPECT_TRUE(claimed >= 0 && claimed < driver.requests.indexOf(TIOCSSERIAL)) << driver.name;
         EXPECT_EQ(driver.requests.last(), TIOCNXCL) << driver.name;
     }
     EXPECT_EQ(drivers[0].flags, ASYNC_LOW_LATENCY);
