@@ -98,9 +98,9 @@ private:
             if (!holds)
                 wrong.push_back((write ? "write, " : "save, ") + fault + ": " + what);
         };
-        require(isUsable() && progressDialog() == nullptr && !TransferRun::isRunning(), "the window is not usable");
+        require(state() == kReady && !TransferRun::isRunning(), "the window is not usable");
         const auto done = [&] {
-            return write ? unitHolds("image.bin", unit)
+            return write ? readFile("image.bin") == firmware(unit)
                          : readFile("saved.bin") ==
                                firmware(unit).left(options.uploadBlocks * 128).leftJustified(kImageSize, '\0');
         };

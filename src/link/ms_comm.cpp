@@ -213,17 +213,27 @@ qsizetype MSComm::inBufferCount() const {
 }
 
 QByteArray MSComm::input(qsizetype most) {
-    requireOpen();
     if (most <= 0)
         return {};  // to read no bytes would look like a hang-up
     QByteArray bytes(most, Qt::Uninitialized);
-    const ssize_t taken = ::read(descriptor_, bytes.data(), static_cast<size_t>(most));
+    bytes.truncate(take(bytes.data(), most));
+    return bytes;
+}
+
+std::optional<char> MSComm::inputByte() {
+    char byte = '\0';
+    return take(&byte, 1) == 1 ? std::optional(byte) : std::nullopt;
+}
+
+/// Moves up to `most` (at least 1) waiting bytes to `bytes`. @return how many
+qsizetype MSComm::take(char* bytes, qsizetype most) {
+    requireOpen();
+    const ssize_t taken = ::read(descriptor_, bytes, static_cast<size_t>(most));
     if (taken < 0 && (errno == EAGAIN || errno == EINTR))
-        return {};
+        return 0;
     if (taken <= 0)
         failed("read", taken < 0 ? errno : EIO);
-    bytes.truncate(taken);
-    return bytes;
+    return taken;
 }
 
 void MSComm::discardInput() const {

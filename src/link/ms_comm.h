@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <chrono>
+#include <optional>
 
 /// One serial port, addressed by its COM number, at 38400 bit/s, no parity, 8 data bits, 1 stop bit, no flow control.
 ///
@@ -41,6 +42,9 @@ public:
     /// Takes up to `most` waiting bytes, oldest first; none when none is waiting.
     /// @throws RuntimeFailure  the port is closed or gone
     QByteArray input(qsizetype most);
+    /// Takes the oldest waiting byte, if there is one.
+    /// @throws RuntimeFailure  the port is closed or gone
+    std::optional<char> inputByte();
 
     /// Discards every received byte waiting. An error of the port is ignored; the next look at the port meets it.
     void discardInput() const;
@@ -62,6 +66,7 @@ private:
     void requireOpen() const;
     void setDriver() const;
     void setLine() const;
+    qsizetype take(char* bytes, qsizetype most);
     short waitFor(short events, std::chrono::nanoseconds limit) const;
     [[noreturn]] void failed(const char* doing, int error) const;
 

@@ -23,6 +23,8 @@ struct Waits {
     std::chrono::milliseconds verificationPause{2'000};
     /// For a port to take bytes that are written to it.
     std::chrono::milliseconds portWrite{5'000};
+    /// Between two paintings of the progress, which take processor time from the transfer.
+    std::chrono::milliseconds progressPainting{2'000};
 };
 
 extern Waits gWaits;

@@ -40,28 +40,23 @@ QByteArray RawLine::received() {
     return boundPort().input(kAll);
 }
 
-/// The one byte that is waiting, if any.
-static std::optional<char> waitingByte() {
-    const QByteArray byte = boundPort().input(1);
-    return byte.isEmpty() ? std::nullopt : std::optional(byte[0]);
-}
-
 std::optional<char> RawLine::fncWaitByte(std::chrono::milliseconds limit) {
     // A unit answers within a packet's time. The windows can wait as long, and the byte needs no round of the event
     // loop.
     constexpr std::chrono::milliseconds kAnswerTime(100);
+    constexpr std::chrono::milliseconds kEventsTime(250);
     const Time end = now() + limit;
-    if (now() - eventsServed_ >= kAnswerTime)
+    if (now() - eventsServed_ >= kEventsTime)
         serveEvents();
     boundPort().waitForInput(std::min<std::chrono::nanoseconds>(kAnswerTime, end - now()));
-    std::optional<char> byte = waitingByte();
+    std::optional<char> byte = boundPort().inputByte();
     if (byte)
         return byte;
     const QSocketNotifier arrival(boundPort().descriptor(), QSocketNotifier::Read);
     // A byte that is waiting wins over an elapsed limit.
     const auto rest = std::chrono::ceil<std::chrono::milliseconds>(std::max(end - now(), Time::duration::zero()));
     waitServingEvents(rest, [&byte] {
-        byte = waitingByte();
+        byte = boundPort().inputByte();
         return byte.has_value();
     });
     return byte;

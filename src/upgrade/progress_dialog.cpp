@@ -1,5 +1,6 @@
 #include "upgrade/progress_dialog.h"
 
+#include "link/waits.h"
 #include "text/blanks.h"
 #include "text/string_table.h"
 #include "upgrade/fitted_label.h"
@@ -11,8 +12,6 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QWindow>
-
-#include <chrono>
 
 static constexpr int kDialogWidth = 5'220;
 static constexpr int kDialogHeight = 1'755;
@@ -46,8 +45,7 @@ frmWait::frmWait(QWidget& owner, const QString& imageName, const QString& imageV
     // Enter must not cancel by accident what takes minutes.
     cmdCancel->setAutoDefault(false);
     prbComm->setAlignment(Qt::AlignCenter);
-    // Often enough for the eye; each painting costs time that the transfer could use.
-    refresh_.setInterval(std::chrono::seconds(1));
+    refresh_.setInterval(gWaits.progressPainting);
     refresh_.callOnTimeout([this] { refresh(); });
     connect(cmdCancel, &QPushButton::clicked, this, [this] { cmdCancel_Click(); });
     subApplyLanguage([&] {
@@ -90,20 +88,18 @@ void frmWait::setBytes(int bytes) {
 }
 
 void frmWait::refresh() {
-    prbComm->setFormat(timeLeft());
+    const std::chrono::milliseconds elapsed(sinceFirst_.isValid() ? sinceFirst_.elapsed() : 0);
+    prbComm->setFormat(progressText(elapsed, bytes_ - first_, prbComm->maximum() - bytes_));
     prbComm->setValue(bytes_);
 }
 
-/// Share done, and the time that the rest takes at the rate so far.
-QString frmWait::timeLeft() const {
-    constexpr qint64 kLeastMeasured = 1'000;
-    if (!sinceFirst_.isValid() || sinceFirst_.elapsed() < kLeastMeasured || bytes_ == first_)
+QString progressText(std::chrono::milliseconds elapsed, int done, int rest) {
+    if (elapsed < std::chrono::seconds(1) || done <= 0)
         return QStringLiteral("%p%");
-    const qint64 milliseconds = sinceFirst_.elapsed() * (prbComm->maximum() - bytes_) / (bytes_ - first_);
-    const qint64 seconds = (milliseconds + 999) / 1'000;
+    const auto left = std::chrono::ceil<std::chrono::seconds>(elapsed * rest / done);
     return literalText(u"%p%  (%1:%2 left)", u"%p%（残り %1:%2）")
-        .arg(seconds / 60)
-        .arg(seconds % 60, 2, 10, QLatin1Char('0'));
+        .arg(left.count() / 60)
+        .arg(left.count() % 60, 2, 10, QLatin1Char('0'));
 }
 
 void frmWait::closeEvent(QCloseEvent* event) { event->ignore(); }

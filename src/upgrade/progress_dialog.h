@@ -5,6 +5,7 @@
 #include <QElapsedTimer>
 #include <QTimer>
 
+#include <chrono>
 #include <functional>
 
 class QLabel;
@@ -40,7 +41,6 @@ protected:
 private:
     void cmdCancel_Click();
     void refresh();
-    QString timeLeft() const;
 
     QWidget& owner_;
     std::function<void()> cancel_;
@@ -51,3 +51,7 @@ private:
     int first_ = 0;             ///< those bytes
     int bytes_ = 0;
 };
+
+/// Text of a QProgressBar: the share done, and the time that `rest` bytes take if `done` bytes have taken `elapsed`.
+/// The share alone before a second has been measured.
+QString progressText(std::chrono::milliseconds elapsed, int done, int rest);

@@ -13,6 +13,7 @@ protected:
         gLangOffset = 10000;
         setMessageBoxes([this](const MessageBox& box) {
             told += QString(box.text).replace("\n", "/");
+            boxes += QString("%1|%2|%3").arg(box.title, box.text).arg(box.style);
             return kOk;
         });
         const units::Bytes made = units::makeImage("SVA-STD", 13500, 7);
@@ -45,6 +46,7 @@ protected:
     }
 
     QStringList told;
+    QStringList boxes;  ///< title, text and style of each
     MemoryLine line{told};
     FakeScreen screen{told};
     TransferRun run{screen, line};
@@ -210,4 +212,25 @@ TEST_F(Run, TheCommandsAfterACancelWaitForTheRestOfABlock) {
     line.tick();
     EXPECT_EQ(line.time - cancelled, 100ms);
     EXPECT_EQ(story(), "52, progress, 54, 53, release, Succeed, cursor");
+}
+
+TEST_F(Run, ItsResultsAreInJapaneseToo) {
+    gLanguage = 0;
+    const QByteArray image = gImageBuf.left(kImageSize);
+    run.write({});
+    story();
+    line.refusals = {{"50", 3}};
+    run.write({});
+    story();
+    run.read({.file = file("saved.bin")});
+    story();
+    for (const bool same : {true, false}) {
+        line.sent.clear();
+        line.isClosed = false;
+        run.write({.verificationTicked = true});
+        line.input = upload(same ? image : QByteArray(kImageSize, 'x'));
+        story();
+    }
+    EXPECT_EQ(boxes, QStringList({"Dravolt|正常終了|64", "Dravolt|異常終了|64", "ドラボルト|正常終了|64",
+                                  "ドラボルト|正常終了|64", "ドラボルト|ベリファイ失敗|16"}));
 }

@@ -17,6 +17,8 @@
 #include <QRadioButton>
 #include <QWindow>
 
+#include <functional>
+
 class MainWindowTest : public UnitsTestWith<BoxOperator> {
 protected:
     MainWindowTest() {
@@ -46,15 +48,22 @@ protected:
         button("cmdLoading").click();
     }
 
-    /// Chooses `name` in the file dialog that the next click opens.
-    void chooseInDialog(const QString& name) {
-        QTimer::singleShot(0, &window, [path = file(name)] {
+    /// Lets `act` work the file dialog that the next click opens, and closes the dialog if that does not.
+    void inDialog(const std::function<void(QFileDialog&)>& act) {
+        QTimer::singleShot(0, &window, [act] {
             auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
             ASSERT_NE(dialog, nullptr);
-            dialog->selectFile(path);
-            QMetaObject::invokeMethod(dialog, "accept");
+            act(*dialog);
             if (dialog->isVisible())
                 dialog->reject();
+        });
+    }
+
+    /// Chooses `name` in the file dialog that the next click opens.
+    void chooseInDialog(const QString& name) {
+        inDialog([path = file(name)](QFileDialog& dialog) {
+            dialog.selectFile(path);
+            QMetaObject::invokeMethod(&dialog, "accept");
         });
     }
 
@@ -71,11 +80,16 @@ protected:
         waitServingEvents(30s, [] { return !TransferRun::isRunning(); });
     }
 
-    /// Whether the operator can work the window.
-    bool isUsable() { return button("cmdEnd").isEnabled(); }
-    /// The cursor that the screen shows over the window, whatever the widgets below it ask for.
-    Qt::CursorShape shownCursor() const { return window.windowHandle()->cursor().shape(); }
+    /// What the operator can do, and the cursor that the screen shows over the window, whatever the widgets ask for.
+    QString state() {
+        const bool isArrow = window.windowHandle()->cursor().shape() == Qt::ArrowCursor;
+        return QString(button("cmdEnd").isEnabled() ? "usable" : "disabled") + (isArrow ? ", arrow" : ", hourglass") +
+               (progressDialog() == nullptr ? "" : ", progress");
+    }
+    static constexpr auto kReady = "usable, arrow";
+    static constexpr auto kRunning = "disabled, hourglass, progress";
 
+    void choose(int target) { window.findChild<QRadioButton*>(QString("optPresent(%1)").arg(target))->toggle(); }
     QPushButton& button(const char* name) { return *window.findChild<QPushButton*>(name); }
     QString row(int index) { return label("lblTitle(%1)", index).text() + ' ' + label("lblVersion(%1)", index).text(); }
     QLabel& label(const char* name, int index) {
@@ -89,8 +103,6 @@ protected:
                 return shown;
         return nullptr;
     }
-
-    bool unitHolds(const QString& name, units::Unit unit) const { return readFile(name) == firmware(unit); }
 
     frmMain window;
 };

@@ -2,27 +2,100 @@
 
 #include <QAccessible>
 #include <QDir>
+#include <QKeyEvent>
+#include <QProgressBar>
 
 #include <sys/stat.h>
 
-TEST_F(MainWindowTest, StartsWithTheAmplifierAsTargetAndNothingToWrite) {
-    EXPECT_EQ(window.windowTitle(), "Dravolt ver1.004");
-    EXPECT_EQ(row(0) + "," + row(1) + "," + row(2), "AMP-A 0.500,IFU-D 1.004, ");
+TEST_F(MainWindowTest, ShowsItsTextsInBothLanguages) {
+    struct Case {
+        int language;
+        QStringList texts;
+    };
+    const Case cases[] = {
+        {.language = 1,
+         .texts = {"Dravolt ver1.004", "The present firmware", "The rewriteing firmware", "Verification",
+                   "Loading file", "Save the present firmware", "Start upgrade", "End", "for service",
+                   "Target: sensor amplifier", "Target: interface unit", "Dravolt", "Cancel",
+                   "is under updating to ver."}},
+        {.language = 0,
+         .texts = {"Dravolt ver1.004", "現ソフト", "書換ソフト", "ベリファイ実行", "読込", "現在のソフトを保存",
+                   "書込開始", "終了", "サービス用", "対象: センサアンプ", "対象: インターフェースユニット",
+                   "ドラボルト", "キャンセル", "のソフトウェアを ver にアップデート中です。"}},
+    };
+    for (const Case& c : cases) {
+        gLanguage = c.language;
+        frmMain form;
+        form.showServiceControls();
+        form.createHidden();
+        form.showProgress();
+        const auto textOf = [](const QWidget& owner, const char* name) {
+            return owner.findChild<QWidget*>(name)->property("text").toString();
+        };
+        QStringList texts{form.windowTitle()};
+        for (const char* name : {"lblPresent", "lblRewriting", "chkVerify", "cmdLoading", "cmdPresent", "cmdUpgrade",
+                                 "cmdEnd", "lblService"})
+            texts += textOf(form, name);
+        for (const char* name : {"optPresent(0)", "optPresent(1)"})
+            texts += form.findChild<QWidget*>(name)->accessibleName();
+        const QWidget& dialog = *progressDialog();
+        texts << dialog.windowTitle() << textOf(dialog, "cmdCancel") << textOf(dialog, "lblMsg");
+        EXPECT_EQ(texts, c.texts);
+    }
+}
+
+TEST_F(MainWindowTest, StartsWithNothingToWrite) {
+    EXPECT_EQ(QStringList({row(0), row(1), row(2)}), QStringList({"AMP-A 0.500", "IFU-D 1.004", " "}));
     EXPECT_FALSE(button("cmdUpgrade").isEnabled());
     for (const char* hidden : {"chkVerify", "cmdPresent", "LabelWriteProtect"})
         EXPECT_TRUE(window.findChild<QWidget*>(hidden)->isHidden()) << hidden;
-    const auto colour = [this](int i) { return static_cast<FittedLabel&>(label("lblTitle(%1)", i)).textColour(); };
-    EXPECT_TRUE(gUnitNo == kSensorAmplifier && colour(0) == colour(2) && colour(1) != colour(2));
-    // As a screen reader's "Toggle" does it: without a click.
-    window.findChild<QRadioButton*>("optPresent(1)")->toggle();
-    EXPECT_TRUE(gUnitNo == kInterfaceUnit && colour(0) != colour(2) && colour(1) == colour(2));
     gAmpTypeName.clear();
     window.subSetAllVersion();
     EXPECT_EQ(row(0), " ") << "a row without a name shows no version";
 }
 
+TEST_F(MainWindowTest, TheRowThatIsNotTheTargetIsGrey) {
+    const auto isGrey = [this](int i) {
+        return static_cast<FittedLabel&>(label("lblTitle(%1)", i)).textColour() !=
+               static_cast<FittedLabel&>(label("lblTitle(%1)", 2)).textColour();
+    };
+    for (const int target : {1, 0, 1}) {
+        // As a screen reader's "Toggle" does it: without a click.
+        choose(target);
+        EXPECT_EQ(gUnitNo, target == 0 ? kSensorAmplifier : kInterfaceUnit);
+        EXPECT_EQ(isGrey(0), target != 0);
+        EXPECT_EQ(isGrey(1), target != 1);
+    }
+}
+
+TEST_F(MainWindowTest, WithoutTypeTablesTheProgramEnds) {
+    QFile::remove(file("TYPE.INI"));
+    frmMain form;
+    EXPECT_THROW(form.createHidden(), ProgramEnded);
+    EXPECT_EQ(user.said(), QStringList("INI file does not exist."));
+}
+
+TEST_F(MainWindowTest, TheKeyboardVisitsEachControl) {
+    writeImage("a.bin", "AMPKEY", 13500);
+    load("a.bin");
+    QStringList visited;
+    for (int i = 0; i < 6; ++i) {
+        QWidget* focused = window.focusWidget();
+        visited += focused->objectName();
+        QKeyEvent tab(QEvent::KeyPress, Qt::Key_Tab, {});
+        QApplication::sendEvent(focused, &tab);
+    }
+    EXPECT_EQ(visited,
+              QStringList({"cmdLoading", "cmdUpgrade", "cmdEnd", "optPresent(0)", "optPresent(1)", "cmdLoading"}));
+}
+
 TEST_F(MainWindowTest, AnImageIsNamedByTheTypeTables) {
-    const std::tuple<const char*, std::uint16_t, const char*> cases[] = {
+    struct Case {
+        const char* typeKey;
+        std::uint16_t version;
+        const char* row;
+    };
+    const Case cases[] = {
         {"AMPKEY", 13500, "AMP-A 1.500"},
         {"ampkey", 22050, "AMP-B 0.050"},
         {"\xb1\xdd\xcc\xdf", 13500, "AMP-A 1.500"},
@@ -33,22 +106,23 @@ TEST_F(MainWindowTest, AnImageIsNamedByTheTypeTables) {
         {"OTHER", 13500, " "},
         {"IFUKEY", 0x8000, "IFU-D 0.000"},
     };
-    for (const auto& [key, version, name] : cases) {
-        writeImage("a.bin", key, version);
+    for (const Case& c : cases) {
+        writeImage("a.bin", c.typeKey, c.version);
         load("a.bin");
-        EXPECT_EQ(row(2), name) << key << " " << version;
-        EXPECT_TRUE(button("cmdUpgrade").isEnabled() && isUsable());
+        EXPECT_EQ(row(2), c.row) << c.typeKey << " " << c.version;
+        EXPECT_TRUE(button("cmdUpgrade").isEnabled());
         EXPECT_EQ(gImageBuf, readFile("a.bin") + '\0');
     }
-    ASSERT_EQ(user.boxes().size(), 1U) << "the version word that has no place";
-    EXPECT_TRUE(user.said()[0].startsWith("Application error. / RES : Overflow"));
+    EXPECT_EQ(state(), kReady);
+    EXPECT_EQ(user.said().filter("Overflow").size(), 1) << "the version word that has no place";
 }
 
 TEST_F(MainWindowTest, WhatIsNoImageChangesNothing) {
     writeFile("short", QByteArray(245'759, 'x'));
     writeFile("long", QByteArray(245'761, 'x'));
     ASSERT_EQ(::mkfifo(qPrintable(file("pipe")), 0600), 0);
-    ASSERT_TRUE(QFile::link("/dev/zero", file("zeros")) && QDir().mkdir(file("folder")));
+    ASSERT_TRUE(QFile::link("/dev/zero", file("zeros")));
+    ASSERT_TRUE(QDir().mkdir(file("folder")));
     writeImage("a.bin", "AMPKEY", 13500);
     for (const bool earlier : {false, true}) {
         if (earlier)
@@ -56,7 +130,7 @@ TEST_F(MainWindowTest, WhatIsNoImageChangesNothing) {
         for (const char* name : {"short", "long", "pipe", "zeros", "folder"}) {
             load(name);
             EXPECT_EQ(button("cmdUpgrade").isEnabled(), earlier) << name;
-            EXPECT_TRUE(isUsable()) << name;
+            EXPECT_EQ(state(), kReady) << name;
         }
     }
     EXPECT_EQ(row(2), "AMP-A 1.500");
@@ -64,18 +138,31 @@ TEST_F(MainWindowTest, WhatIsNoImageChangesNothing) {
     EXPECT_TRUE(user.boxes().empty());
 }
 
-TEST_F(MainWindowTest, AFileThatDoesNotExistIsReportedAndItsNameKept) {
+TEST_F(MainWindowTest, AnImageThatCannotBeReadIsNotLoaded) {
+    writeImage("a.bin", "AMPKEY", 13500);
+    load("a.bin");
+    inDialog([this](QFileDialog& dialog) {
+        dialog.selectFile(file("a.bin"));
+        QMetaObject::invokeMethod(&dialog, "accept");
+        // After the look at its length, before the reading.
+        QTimer::singleShot(0, &window, [this] { writeFile("a.bin", "cut"); });
+    });
+    button("cmdLoading").click();
+    EXPECT_EQ(user.said().filter("the file ends after 3 of 245760 bytes").size(), 1);
+    EXPECT_FALSE(button("cmdUpgrade").isEnabled());
+    EXPECT_EQ(row(2), " ");
+    EXPECT_EQ(state(), kReady);
+}
+
+TEST_F(MainWindowTest, AFileThatDoesNotExistIsReported) {
     load("missing.bin");
     EXPECT_EQ(user.said(),
               QStringList("Application error. / RES : " + file("missing.bin") + ": there is no such file"));
+    EXPECT_FALSE(button("cmdUpgrade").isEnabled());
     QStringList preset;
-    QTimer::singleShot(0, &window, [&preset] {
-        auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
-        preset = dialog->selectedFiles();
-        dialog->reject();
-    });
+    inDialog([&preset](const QFileDialog& dialog) { preset = dialog.selectedFiles(); });
     button("cmdLoading").click();
-    EXPECT_EQ(preset, QStringList(file("missing.bin")));
+    EXPECT_EQ(preset, QStringList(file("missing.bin"))) << "the name is kept for the next dialog";
     EXPECT_FALSE(QFile::exists(qEnvironmentVariable("XDG_CONFIG_HOME") + "/QtProject.conf"))
         << "a dialog leaves nothing behind";
 }
@@ -94,20 +181,22 @@ TEST_F(MainWindowTest, NamesAreReadAloudAsTheyArePainted) {
     window.releaseWindow();
 }
 
-TEST_F(MainWindowTest, UpgradesEitherUnitAndShowsItsNewVersion) {
+TEST_F(MainWindowTest, UpgradesEitherUnit) {
     writeImage("amp.bin", "AMPKEY", 13500);
     writeImage("ifu.bin", "IFUKEY", 2345);
     options.interfaceCheck = units::CheckMode::sum;
     unitsWith({});
     load("amp.bin");
     upgrade();
-    window.findChild<QRadioButton*>("optPresent(1)")->toggle();
+    choose(1);
     load("ifu.bin");
     upgrade();
-    EXPECT_TRUE(unitHolds("amp.bin", units::Unit::amplifier) && unitHolds("ifu.bin", units::Unit::interface));
-    EXPECT_EQ(row(0) + ", " + row(1), "AMP-A 1.500, IFU-D 2.345");
+    EXPECT_EQ(firmware(units::Unit::amplifier), readFile("amp.bin"));
+    EXPECT_EQ(firmware(units::Unit::interface), readFile("ifu.bin"));
+    EXPECT_EQ(row(0), "AMP-A 1.500");
+    EXPECT_EQ(row(1), "IFU-D 2.345");
     EXPECT_EQ(user.said(), QStringList({"Succeed", "Succeed"}));
-    EXPECT_TRUE(isUsable() && shownCursor() == Qt::ArrowCursor && progressDialog() == nullptr);
+    EXPECT_EQ(state(), kReady);
     const std::vector<std::string> expected{"0101D40001000001", "300550010000",     "300551010C00", "300554010000",
                                             "300553010000",     "0101D40001000001", "300550000000", "300551000C00",
                                             "300554000000",     "300553000000"};
@@ -115,19 +204,36 @@ TEST_F(MainWindowTest, UpgradesEitherUnitAndShowsItsNewVersion) {
     EXPECT_TRUE(simulator->violations().empty());
 }
 
-TEST_F(MainWindowTest, DuringARunTheWindowIsDisabledAndOnlyClosingItActs) {
+/// Counts the paintings of a widget while it shows what is wanted.
+class Paintings : public QObject {
+public:
+    int count = 0;
+
+protected:
+    bool eventFilter(QObject* bar, QEvent* event) override {
+        count += event->type() == QEvent::Paint && static_cast<QProgressBar*>(bar)->value() > 100'000 ? 1 : 0;
+        return false;
+    }
+};
+
+TEST_F(MainWindowTest, DuringARunOnlyClosingTheWindowActs) {
     writeImage("amp.bin", "AMPKEY", 13500);
-    unitsWith({"delay:80@packet900"});
+    unitsWith({"delay:300@packet900"});
+    gWaits.progressPainting = 1ms;
     load("amp.bin");
     bool ended = false;
     setProgramEnd([&ended] { ended = true; });
+    Paintings paintings;
     QTimer probe;
     probe.callOnTimeout([&] {
         QWidget* dialog = progressDialog();
-        if (ended || dialog == nullptr || !dialog->isVisible() || !simulator->hasNoted("packet 899"))
+        if (dialog == nullptr || !dialog->isVisible())
             return;
-        EXPECT_TRUE(dialog->isEnabled() && !isUsable());
-        EXPECT_EQ(shownCursor(), Qt::WaitCursor);
+        dialog->findChild<QProgressBar*>()->installEventFilter(&paintings);
+        if (ended || !simulator->hasNoted("packet 899"))
+            return;
+        EXPECT_EQ(state(), kRunning);
+        EXPECT_TRUE(dialog->isEnabled());
         EXPECT_FALSE(dialog->findChild<QPushButton*>("cmdCancel")->isVisible());
         EXPECT_EQ(dialog->findChild<QLabel*>("lblMsg")->text(), "AMP-A is under updating to ver1.500.");
         EXPECT_FALSE(dialog->close());
@@ -137,30 +243,64 @@ TEST_F(MainWindowTest, DuringARunTheWindowIsDisabledAndOnlyClosingItActs) {
     probe.start(1ms);
     upgrade();
     EXPECT_TRUE(ended) << "closing the main window ends the program, also while a transfer runs";
+    EXPECT_GT(paintings.count, 0);
+    ended = false;
+    button("cmdEnd").click();
+    EXPECT_TRUE(ended);
 }
 
-TEST_F(MainWindowTest, WhatShallNotBeWrittenIsNotSent) {
-    writeImage("amp.bin", "AMPKEY", 13500);
+TEST_F(MainWindowTest, TheProgressSaysTheTimeThatTheRestTakes) {
+    struct Case {
+        std::chrono::milliseconds elapsed;
+        int done;
+        int rest;
+        const char* text;
+    };
+    const Case cases[] = {
+        {.elapsed = 999ms, .done = 10, .rest = 10, .text = "%p%"},
+        {.elapsed = 2s, .done = 0, .rest = 10, .text = "%p%"},
+        {.elapsed = 5s, .done = 100, .rest = 1'300, .text = "%p%  (1:05 left)"},
+        {.elapsed = 1'001ms, .done = 10, .rest = 10, .text = "%p%  (0:02 left)"},
+        {.elapsed = 67s, .done = 245'760, .rest = 0, .text = "%p%  (0:00 left)"},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(progressText(c.elapsed, c.done, c.rest), c.text);
+    gLanguage = 0;
+    EXPECT_EQ(progressText(30s, 100, 400), "%p%（残り 2:00）");
+}
+
+TEST_F(MainWindowTest, AnImageOfTheOtherUnitIsNotSent) {
     writeImage("ifu.bin", "IFUKEY", 1004);
-    unitsWith({"response:2203@0101D4*2"});
+    unitsWith({});
     load("ifu.bin");
     upgrade();
     EXPECT_EQ(user.said(), QStringList{"Since the loaded file is not adapted to the connected unit, firmware upgrade "
                                        "cannot be performed."});
     EXPECT_TRUE(requests().empty());
+    EXPECT_EQ(state(), kReady);
+}
+
+TEST_F(MainWindowTest, AFailedCheckIsTheOperatorsToDecide) {
+    writeImage("amp.bin", "AMPKEY", 13500);
+    unitsWith({"response:2203@0101D4*2"});
     load("amp.bin");
     user.answerNext(1);
     upgrade();
-    EXPECT_EQ(requests().size(), 1U) << "the check has failed, and the operator has cancelled";
+    EXPECT_EQ(requests().size(), 1U) << "the operator has cancelled";
+    EXPECT_EQ(state(), kReady);
     EXPECT_EQ(user.boxes().back().buttons.size(), 2);
-    EXPECT_TRUE(isUsable() && shownCursor() == Qt::ArrowCursor);
     upgrade();
-    EXPECT_TRUE(unitHolds("amp.bin", units::Unit::amplifier)) << "OK goes on as after a normal check";
-    EXPECT_TRUE(user.said()[0].startsWith("I could not check"));
+    EXPECT_EQ(firmware(), readFile("amp.bin")) << "OK goes on as after a normal check";
+    EXPECT_EQ(user.said().filter("I could not check").size(), 2);
+}
+
+TEST_F(MainWindowTest, ADryRunEndsAfterTheCheck) {
+    writeImage("amp.bin", "AMPKEY", 13500);
+    unitsWith({});
+    load("amp.bin");
     window.findChild<QLabel*>("LabelWriteProtect")->show();
-    const std::size_t before = requests().size();
     upgrade();
     EXPECT_EQ(user.said(), QStringList{"形式認識テストです　書込み処理はスキップします。"});
-    EXPECT_EQ(requests().size(), before + 1) << "a dry run ends after the check";
-    EXPECT_TRUE(isUsable());
+    EXPECT_EQ(requests(), std::vector<std::string>{"0101D40001000001"});
+    EXPECT_EQ(state(), kReady);
 }

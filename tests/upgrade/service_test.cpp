@@ -9,60 +9,102 @@ protected:
         window.showServiceControls();
         writeImage("amp.bin", "AMPKEY", 13500);
     }
+
+    void tickVerification() { window.findChild<QCheckBox*>("chkVerify")->click(); }
+
+    /// Whether the operator could cancel, as the progress dialog shows it.
+    static bool offersCancel() {
+        return progressDialog() != nullptr && progressDialog()->findChild<QPushButton*>("cmdCancel")->isVisible();
+    }
+
+    /// Lets `look` look at the window, again and again, from the time when the units have noted `text` to the next box.
+    void meanwhile(const std::string& text, const std::function<void()>& look) {
+        probe_.callOnTimeout([this, text, look] {
+            if (progressDialog() != nullptr && simulator->hasNoted(text) && user.boxes().empty())
+                look();
+        });
+        probe_.start(1ms);
+    }
+
+private:
+    QTimer probe_;
 };
 
-TEST_F(ServiceTest, ASavedFirmwareLoadsAgainAndIsWrittenBackWithVerification) {
+TEST_F(ServiceTest, ASavedFirmwareIsWrittenBack) {
     options.amplifierFirmware = units::makeImage("AMPKEY", 12500, 3);
     unitsWith({});
     save("saved.bin");
-    EXPECT_TRUE(unitHolds("saved.bin", units::Unit::amplifier));
+    EXPECT_EQ(readFile("saved.bin"), firmware());
     load("saved.bin");
     EXPECT_EQ(row(2), "AMP-A 0.500");
     upgrade();
     save("saved again.bin");
     EXPECT_EQ(readFile("saved again.bin"), readFile("saved.bin"));
-    load("amp.bin");
-    window.findChild<QCheckBox*>("chkVerify")->click();
-    upgrade();
-    EXPECT_TRUE(unitHolds("amp.bin", units::Unit::amplifier));
-    EXPECT_EQ(user.said(), QStringList({"Succeed", "Succeed", "Succeed", "Succeed"}));
+    EXPECT_EQ(user.said(), QStringList({"Succeed", "Succeed", "Succeed"}));
     EXPECT_TRUE(simulator->violations().empty());
-    const std::vector<std::string> all = requests();
-    EXPECT_EQ(std::vector<std::string>(all.end() - 8, all.end()),
-              (std::vector<std::string>{"0101D40001000001", "300550010000", "300551010C00", "300554010000",
-                                        "300552010C00", "300554010000", "300554010000", "300553010000"}));
+}
+
+TEST_F(ServiceTest, AVerifiedRunKeepsItsUnitToItsLastCommand) {
+    unitsWith({});
+    load("amp.bin");
+    tickVerification();
+    QStringList states;
+    meanwhile("300552010C00", [&] {
+        choose(1);
+        states += state();
+    });
+    upgrade();
+    EXPECT_EQ(gUnitNo, kInterfaceUnit) << "chosen for the next run";
+    EXPECT_EQ(user.said(), QStringList("Succeed"));
+    const std::vector<std::string> expected{"0101D40001000001", "300550010000", "300551010C00", "300554010000",
+                                            "300552010C00",     "300554010000", "300554010000", "300553010000"};
+    EXPECT_EQ(requests(), expected);
+    states.removeDuplicates();
+    EXPECT_EQ(states, QStringList(kRunning));
+    EXPECT_EQ(state(), kReady);
     EXPECT_EQ(gobjComm, nullptr) << "a verification closes the port";
 }
 
-TEST_F(ServiceTest, ARunKeepsItsUnitToItsLastCommand) {
-    unitsWith({});
+TEST_F(ServiceTest, ASaveCanBeCancelledUnlikeAWrite) {
+    unitsWith({"delay:300@packet900"});
     load("amp.bin");
-    window.findChild<QCheckBox*>("chkVerify")->click();
-    bool usableMeanwhile = false;
-    QTimer meddler;
-    meddler.callOnTimeout([&] {
-        if (!simulator->hasNoted("300552010C00") || !user.boxes().empty())
-            return;
-        window.findChild<QRadioButton*>("optPresent(1)")->setChecked(true);
-        usableMeanwhile |= isUsable() || shownCursor() != Qt::WaitCursor;
-    });
-    meddler.start(1ms);
+    int looks = 0;
+    meanwhile("packet 1", [&] { looks += offersCancel() ? 1'000 : 1; });
     upgrade();
-    EXPECT_EQ(user.said(), QStringList("Succeed"));
-    EXPECT_EQ(requests().back(), "300553010000");
-    EXPECT_TRUE(gUnitNo == kInterfaceUnit && !usableMeanwhile);
-    EXPECT_TRUE(isUsable() && shownCursor() == Qt::ArrowCursor);
+    EXPECT_GT(looks, 0);
+    EXPECT_LT(looks, 1'000);
+    chooseInDialog("none.bin");
+    button("cmdPresent").click();
+    EXPECT_TRUE(offersCancel());
+    EXPECT_EQ(state(), kRunning);
+    progressDialog()->findChild<QPushButton*>("cmdCancel")->click();
+    waitServingEvents(5s, [] { return !TransferRun::isRunning(); });
+    EXPECT_TRUE(simulator->hasNoted("cancelled by the client"));
+    EXPECT_EQ(state(), kReady);
 }
 
 TEST_F(ServiceTest, TheHourglassGoesAfterEverySave) {
     unitsWith({});
-    window.findChild<QCheckBox*>("chkVerify")->click();
+    tickVerification();
     save("none.bin");
-    EXPECT_TRUE(isUsable() && shownCursor() == Qt::ArrowCursor) << "with Verification ticked";
-    EXPECT_TRUE(user.said().empty() && readFile("none.bin").isEmpty());
+    EXPECT_EQ(state(), kReady) << "with Verification ticked";
+    EXPECT_EQ(user.said(), QStringList());
+    EXPECT_EQ(readFile("none.bin"), "");
     subPortClose();
     save("none.bin");
-    EXPECT_TRUE(isUsable() && shownCursor() == Qt::ArrowCursor) << "on the port that a verification has closed";
+    EXPECT_EQ(state(), kReady) << "on the port that a verification has closed";
+}
+
+TEST_F(ServiceTest, TheFileDialogsAreForImages) {
+    QStringList offered;
+    for (const char* name : {"cmdLoading", "cmdPresent"}) {
+        inDialog([&offered](const QFileDialog& dialog) {
+            offered << dialog.nameFilters().join('|') << dialog.defaultSuffix()
+                    << (dialog.acceptMode() == QFileDialog::AcceptSave ? "save" : "open");
+        });
+        button(name).click();
+    }
+    EXPECT_EQ(offered, QStringList({"Bin File (*.bin)", "", "open", "Bin File (*.bin)", "bin", "save"}));
 }
 
 TEST_F(ServiceTest, NothingClosesASaveBelowTheBoxOfItsCancel) {
@@ -79,5 +121,5 @@ TEST_F(ServiceTest, NothingClosesASaveBelowTheBoxOfItsCancel) {
     dialog->findChild<QPushButton*>("cmdCancel")->click();
     EXPECT_EQ(user.boxes().front().title, "エラー");
     waitServingEvents(5s, [] { return !TransferRun::isRunning(); });
-    EXPECT_TRUE(isUsable() && progressDialog() == nullptr);
+    EXPECT_EQ(state(), kReady);
 }
