@@ -21,7 +21,7 @@ static int boxes = 0;
 static void checkImage() {
     static const QRegularExpression version(QStringLiteral("\\A[0-9]{1,2}\\.[0-9]{3}\\z"));
     try {
-        subTakeImageInfo();
+        takeImageInfo();
     } catch (const RuntimeFailure& f) {
         require(f.number() == failure::kSubscript || f.number() == failure::kOverflow, "the failure is a known one");
         require(gFileTypeName.isEmpty(), "an image that no range has been found for has no name");

@@ -95,7 +95,7 @@ fs::path linkFolder(const Machine& machine) {
 
 std::vector<ComLink> comLinks(const Machine& machine) {
     std::vector<ComLink> links;
-    for (int number = 1; number <= kMostPorts; ++number) {
+    for (int number = 1; number <= kMaxPorts; ++number) {
         const std::vector<fs::path> found = linksOf(machine, number);
         std::error_code none;
         const fs::path target = found.empty() ? fs::path() : fs::read_symlink(found[0], none);

@@ -13,7 +13,7 @@
 namespace ports {
 
 /// The programs offer COM1 to this one.
-inline constexpr int kMostPorts = 16;
+inline constexpr int kMaxPorts = 16;
 
 struct ComLink {
     int number = 0;                 ///< n of com<n>

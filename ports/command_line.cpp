@@ -51,7 +51,7 @@ int portNumber(const std::string& text) {
     int number = 0;
     const char* end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, number);
-    return error == std::errc{} && stop == end && number >= 1 && number <= kMostPorts ? number : 0;
+    return error == std::errc{} && stop == end && number >= 1 && number <= kMaxPorts ? number : 0;
 }
 
 int change(const Machine& machine, int number, const std::vector<std::string>& arguments, Output& out) {

@@ -89,7 +89,7 @@ std::string portsOf(const SerialDevice& device, const std::vector<ComLink>& link
     for (const ComLink& link : links)
         if (link.device == endOf(device.node))
             ports += "  COM" + std::to_string(link.number);
-    for (int number = 1; number <= kMostPorts; ++number)
+    for (int number = 1; number <= kMaxPorts; ++number)
         if (device.name == "ttyS" + std::to_string(number - 1) &&
             std::none_of(links.begin(), links.end(), [&](const ComLink& link) { return link.number == number; }))
             ports += "  " + said(kWithoutLink, {std::to_string(number)});

@@ -8,8 +8,8 @@
 #include "system/standard_error.h"
 #include "upgrade/main_window.h"
 #include "widgets/box_window.h"
+#include "widgets/colours.h"
 #include "widgets/fonts.h"
-#include "widgets/indicators.h"
 
 #include <QApplication>
 #include <QDir>
@@ -44,7 +44,7 @@ int runProgram(int argc, char* argv[], Edition edition) {
     setProgramFolder(QCoreApplication::applicationDirPath());
     setMessageBoxes(showBoxWindow);
     useGothicFonts();
-    useVisibleIndicators();
+    repairDarkPalette();
     setProgramEnd([] {
         subPortClose();
         std::_Exit(EXIT_SUCCESS);

@@ -24,15 +24,15 @@ QString iniText(const QByteArray& bytes) {
 }
 
 QString iniValue(const QString& stored) {
-    constexpr qsizetype kMostCharacters = 126;
-    QString value = stored.left(kMostCharacters);
+    constexpr qsizetype kMaxCharacters = 126;
+    QString value = stored.left(kMaxCharacters);
     value.truncate(value.indexOf(QLatin1Char('\'')) < 0 ? value.size() : value.indexOf(QLatin1Char('\'')));
     return trimBlanks(value.replace(QLatin1Char('\t'), QLatin1Char(' ')));
 }
 
 /// All of the file at `path`; nothing when it does not exist.
 static QByteArray readFile(const QString& path) {
-    const auto failed = [&path](const QString& reason) {
+    const auto fail = [&path](const QString& reason) {
         throw RuntimeFailure(failure::kFileAccess, QStringLiteral("%1: %2").arg(path, reason));
     };
     RegularFile file(path);
@@ -40,14 +40,14 @@ static QByteArray readFile(const QString& path) {
         return {};
     // A pipe would be waited for, a device be read without end.
     if (!QFileInfo(file).isFile())
-        failed(messageText(u"this is no file", u"ファイルではありません"));
+        fail(textByOffset({u"this is no file", u"ファイルではありません"}));
     if (!file.open(QIODevice::ReadOnly))
-        failed(file.errorString());
-    const QByteArray bytes = file.read(kMostIniBytes + 1);
+        fail(file.errorString());
+    const QByteArray bytes = file.read(kMaxIniBytes + 1);
     if (file.error() != QFileDevice::NoError)
-        failed(file.errorString());
-    if (bytes.size() > kMostIniBytes)
-        failed(messageText(u"the file has more than %1 bytes", u"ファイルが%1バイトを超えています").arg(kMostIniBytes));
+        fail(file.errorString());
+    if (bytes.size() > kMaxIniBytes)
+        fail(textByOffset({u"the file has more than %1 bytes", u"ファイルが%1バイトを超えています"}).arg(kMaxIniBytes));
     return bytes;
 }
 
@@ -70,7 +70,7 @@ QString fncGetIniString(const QString& section, const QString& key, const QStrin
 
 int fncSplitList(QString& list) {
     list.replace(QLatin1Char('\t'), QLatin1Char(' '));
-    gListItems = list.split(QLatin1Char(',')).mid(0, kMostListItems);
+    gListItems = list.split(QLatin1Char(',')).mid(0, kMaxListItems);
     for (QString& item : gListItems)
         item = trimBlanks(item);
     return static_cast<int>(gListItems.size());

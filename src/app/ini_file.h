@@ -5,10 +5,10 @@
 #include <QStringList>
 
 /// Size of the largest INI file that is read, in bytes; a real one has a few thousand.
-inline constexpr qsizetype kMostIniBytes = qsizetype{4} * 1'024 * 1'024;
+inline constexpr qsizetype kMaxIniBytes = qsizetype{4} * 1'024 * 1'024;
 
 /// Most items that a list value gives; the rest is dropped.
-inline constexpr int kMostListItems = 101;
+inline constexpr int kMaxListItems = 101;
 
 /// Items of the list that was split last; the next split replaces them.
 extern QStringList gListItems;
@@ -17,13 +17,13 @@ extern QStringList gListItems;
 ///
 /// At most 126 characters; what follows an apostrophe is dropped, tabs become blanks, blanks at both ends are removed.
 /// Empty when file, section or key is missing, and after a failure, which has been reported; such as that of a file of
-/// more than kMostIniBytes.
+/// more than kMaxIniBytes.
 QString fncGetIniString(const QString& section, const QString& key, const QString& file);
 
 /// Splits `list` at its commas into gListItems, each item without blanks at its ends; empty items stay.
 ///
 /// Tabs in `list` itself become blanks.
-/// @return the number of items, 1 to kMostListItems
+/// @return the number of items, 1 to kMaxListItems
 int fncSplitList(QString& list);
 
 /// The reading rules for one value, as it stands in the file. Pure.

@@ -22,20 +22,16 @@ frmLanguage::frmLanguage() {
     setObjectName(QStringLiteral("frmLanguage"));
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
 
-    auto* fraLanguage = new QGroupBox;
-    fraLanguage->setObjectName(QStringLiteral("fraLanguage"));
+    auto* fraLanguage = addControl<QGroupBox>(*this, QStringLiteral("fraLanguage"));
     auto* options = new QVBoxLayout(fraLanguage);
     for (std::size_t i = 0; i < optLanguage.size(); ++i) {
-        optLanguage[i] = new QRadioButton;
-        optLanguage[i]->setObjectName(QStringLiteral("optLanguage(%1)").arg(i));
+        optLanguage[i] = addControl<QRadioButton>(*fraLanguage, QStringLiteral("optLanguage(%1)").arg(i));
         options->addWidget(optLanguage[i]);
     }
 
-    auto* cmdOK = new QPushButton;
-    cmdOK->setObjectName(QStringLiteral("cmdOK"));
+    auto* cmdOK = addControl<QPushButton>(*this, QStringLiteral("cmdOK"));
     cmdOK->setDefault(true);
-    auto* cmdCancel = new QPushButton;
-    cmdCancel->setObjectName(QStringLiteral("cmdCancel"));
+    auto* cmdCancel = addControl<QPushButton>(*this, QStringLiteral("cmdCancel"));
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
     buttons->addWidget(cmdOK);

@@ -41,7 +41,7 @@ static Integer rounded(double value) {
     if (!(nearest >= std::numeric_limits<Integer>::min() && nearest <= std::numeric_limits<Integer>::max()))
         throw RuntimeFailure(
             failure::kOverflow,
-            messageText(u"Overflow: %1 is not between %2 and %3", u"オーバーフロー: %1 は %2～%3 の範囲にありません")
+            textByOffset({u"Overflow: %1 is not between %2 and %3", u"オーバーフロー: %1 は %2～%3 の範囲にありません"})
                 .arg(QString::number(value, 'g', kWholeDigits), QString::number(std::numeric_limits<Integer>::min()),
                      QString::number(std::numeric_limits<Integer>::max())));
     return static_cast<Integer>(nearest);

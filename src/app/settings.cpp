@@ -6,9 +6,10 @@
 #include "app/numbers.h"
 #include "link/device_commands.h"
 #include "system/program_folder.h"
-#include "system/user_language.h"
 #include "text/error_report.h"
 #include "text/string_table.h"
+
+#include <QLocale>
 
 std::int16_t gComPort = 0;
 QString gBaudRate;
@@ -19,7 +20,7 @@ static constexpr int kEnglish = 1;
 static void readLanguage(const QString& file) {
     const QString language = fncGetIniString(QStringLiteral("OPERATION"), QStringLiteral("Language"), file);
     if (language.isEmpty()) {
-        gLanguage = userDefaultLangId() == kLangIdJapanese ? kJapanese : kEnglish;
+        gLanguage = QLocale::system().language() == QLocale::Japanese ? kJapanese : kEnglish;
         frmLanguage().exec();
     } else {
         gLanguage = language == QLatin1String("JAPANESE") ? kJapanese : kEnglish;

@@ -45,22 +45,16 @@ static QPixmap logo(const QWidget& window) {
     return shown;
 }
 
-template <typename Control>
-static Control* named(const char* name, Control* control) {
-    control->setObjectName(QLatin1String(name));
-    return control;
-}
-
 frmStartUp::frmStartUp(MainWindowAtStart& mainWindow)
     : mainWindow_(mainWindow),
-      imgLogo(named("imgLogo", new QLabel)),
-      lblBPS(named("lblBPS", new QLabel)),
-      cmbBps(named("cmbBps", new QComboBox)),
-      lblCom(named("lblCom", new QLabel)),
-      cmbCom(named("cmbCom", new QComboBox)),
-      cmdTest(named("cmdTest", new QPushButton)),
-      cmdEnd(named("cmdEnd", new QPushButton)),
-      shpComm(named("shpComm", new QFrame)) {
+      imgLogo(addControl<QLabel>(*this, QStringLiteral("imgLogo"))),
+      lblBPS(addControl<QLabel>(*this, QStringLiteral("lblBPS"))),
+      cmbBps(addControl<QComboBox>(*this, QStringLiteral("cmbBps"))),
+      lblCom(addControl<QLabel>(*this, QStringLiteral("lblCom"))),
+      cmbCom(addControl<QComboBox>(*this, QStringLiteral("cmbCom"))),
+      cmdTest(addControl<QPushButton>(*this, QStringLiteral("cmdTest"))),
+      cmdEnd(addControl<QPushButton>(*this, QStringLiteral("cmdEnd"))),
+      shpComm(addControl<QFrame>(*this, QStringLiteral("shpComm"))) {
     setObjectName(QStringLiteral("frmStartUp"));
     setWindowTitle(QStringLiteral("Dravolt"));
     setWindowFlag(Qt::WindowMaximizeButtonHint, false);
@@ -146,8 +140,8 @@ void frmStartUp::selectConfiguredPort() {
     const int index = gComPort - 1;
     if (index < -1 || index >= cmbCom->count())
         throw RuntimeFailure(failure::kInvalidProperty,
-                             messageText(u"Setting.INI: there is no port COM%1; choose one of COM1 to COM%2",
-                                         u"Setting.INI: COM%1 はありません。COM1～COM%2 から選択して下さい")
+                             textByOffset({u"Setting.INI: there is no port COM%1; choose one of COM1 to COM%2",
+                                           u"Setting.INI: COM%1 はありません。COM1～COM%2 から選択して下さい"})
                                  .arg(gComPort)
                                  .arg(cmbCom->count()));
     cmbCom->setCurrentIndex(index);

@@ -14,8 +14,8 @@ QString typeTableFile() { return programFile(QStringLiteral("TYPE.INI")); }
 static bool takeRange(int baseIndex, std::int32_t number, QString& name, std::int32_t& offset) {
     constexpr std::int32_t kLastOffset = 9999;
     if (gListItems.size() <= baseIndex + 1)
-        throw RuntimeFailure(failure::kSubscript, messageText(u"%1, section AMP_TYPE: an entry has no type name",
-                                                              u"%1 セクション AMP_TYPE: 型名のない項目があります")
+        throw RuntimeFailure(failure::kSubscript, textByOffset({u"%1, section AMP_TYPE: an entry has no type name",
+                                                                u"%1 セクション AMP_TYPE: 型名のない項目があります"})
                                                       .arg(typeTableFile()));
     const std::int32_t difference = toInt32(number - leadingNumber(gListItems[baseIndex]));
     if (difference < 0 || difference > kLastOffset)

@@ -9,7 +9,8 @@ MSComm* gobjComm = nullptr;
 
 MSComm& boundPort() {
     if (gobjComm == nullptr)
-        throw RuntimeFailure(failure::kPortNotOpen, messageText(u"No COM port is open", u"COMポートが開いていません"));
+        throw RuntimeFailure(failure::kPortNotOpen,
+                             textByOffset({u"No COM port is open", u"COMポートが開いていません"}));
     return *gobjComm;
 }
 
@@ -33,12 +34,12 @@ bool fncPortOpen(int port, const QString& settings) {
         return false;
     }
     gobjComm->setCommPort(port);
-    const int failed = tryOpen(settings);
-    if (failed == failure::kInvalidPort)
+    const int number = tryOpen(settings);
+    if (number == failure::kInvalidPort)
         showMessageBox(text(IDS_MSGERR_COMM_PORT1) + QString::number(port) + text(IDS_MSGERR_COMM_PORT2), kCritical);
-    else if (failed != 0)
+    else if (number != 0)
         showMessageBox(text(IDS_MSGERR_COMM_PORTING), kCritical);
-    return failed == 0;
+    return number == 0;
 }
 
 void subPortClose() {

@@ -71,8 +71,8 @@ void ReplyParser::takePair(char byte) {
     const int low = digitValue(byte);
     if (high < 0 || low < 0)
         throw RuntimeFailure(failure::kTypeMismatch,
-                             messageText(u"The reply is damaged: characters %1 and %2 are no hexadecimal pair",
-                                         u"応答が壊れています: %1文字目と%2文字目が16進数ではありません")
+                             textByOffset({u"The reply is damaged: characters %1 and %2 are no hexadecimal pair",
+                                           u"応答が壊れています: %1文字目と%2文字目が16進数ではありません"})
                                  .arg(count_ - 1)
                                  .arg(count_));
     store(static_cast<char>(high * 16 + low));
@@ -80,9 +80,9 @@ void ReplyParser::takePair(char byte) {
 
 void ReplyParser::store(char byte) {
     if (stored_ == kReplyCapacity)
-        throw RuntimeFailure(
-            failure::kSubscript,
-            messageText(u"The reply carries more than %1 bytes", u"応答が%1バイトを超えています").arg(kReplyCapacity));
+        throw RuntimeFailure(failure::kSubscript,
+                             textByOffset({u"The reply carries more than %1 bytes", u"応答が%1バイトを超えています"})
+                                 .arg(kReplyCapacity));
     data_[stored_++] = byte;
 }
 
@@ -95,8 +95,8 @@ void ReplyParser::takeCheckByte(char byte) {
     if (checkMismatch_ || !carriesResponse())
         return;
     if (stored_ < 4)
-        throw RuntimeFailure(failure::kSubscript, messageText(u"The reply is too short: it carries no response code",
-                                                              u"応答が短すぎます: レスポンスコードがありません"));
+        throw RuntimeFailure(failure::kSubscript, textByOffset({u"The reply is too short: it carries no response code",
+                                                                u"応答が短すぎます: レスポンスコードがありません"}));
     responseCode_ = QString::fromLatin1(data_.mid(2, 2).toHex().toUpper());
 }
 

@@ -39,43 +39,44 @@ QString devicePath(int number) {
     const auto isThere = [](const QString& path) { return QFileInfo(path).isSymLink() || QFileInfo::exists(path); };
     const auto found = std::find_if(places.begin(), places.end(), isThere);
     if (number < 1 || found == places.end())
-        throw RuntimeFailure(failure::kInvalidPort, messageText(u"COM%1: there is no link %2 or %3, and no device %4",
-                                                                u"COM%1: リンク %2、%3 もデバイス %4 もありません")
+        throw RuntimeFailure(failure::kInvalidPort, textByOffset({u"COM%1: there is no link %2 or %3, and no device %4",
+                                                                  u"COM%1: リンク %2、%3 もデバイス %4 もありません"})
                                                         .arg(QString::number(number), places[0], places[1], places[2]));
     if (!QFileInfo::exists(*found))
         throw RuntimeFailure(
             failure::kInvalidPort,
-            messageText(
-                u"COM%1: the link %2 leads to %3, which is not there; the adapter is unplugged, or the link is old",
-                u"COM%1: リンク %2 の先の %3 がありません。アダプターが抜けているか、リンクが古くなっています")
+            textByOffset(
+                {u"COM%1: the link %2 leads to %3, which is not there; the adapter is unplugged, or the link is old",
+                 u"COM%1: リンク %2 の先の %3 がありません。アダプターが抜けているか、リンクが古くなっています"})
                 .arg(QString::number(number), *found, QFileInfo(*found).symLinkTarget()));
     return *found;
 }
 
-/// What the operator can do about an open that failed with `error`.
+/// What the operator can do about an open that fail with `error`.
 QString remedy(int error) {
     switch (error) {
     case EACCES:
     case EPERM:
-        return messageText(u"; add the user to the group dialout", u"。ユーザーをグループ dialout に追加してください");
+        return textByOffset(
+            {u"; add the user to the group dialout", u"。ユーザーをグループ dialout に追加してください"});
     case EBUSY:
-        return messageText(u"; another program uses the port", u"。他のプログラムがポートを使用しています");
+        return textByOffset({u"; another program uses the port", u"。他のプログラムがポートを使用しています"});
     case ENOENT:
     case ENXIO:
     case ENODEV:
     case EIO:
-        return messageText(u"; the adapter is unplugged, or there is no device behind the port",
-                           u"。アダプターが抜けているか、ポートにデバイスがありません");
+        return textByOffset({u"; the adapter is unplugged, or there is no device behind the port",
+                             u"。アダプターが抜けているか、ポートにデバイスがありません"});
     case ENOTTY:
     case EISDIR:
-        return messageText(u"; this is no serial port", u"。シリアルポートではありません");
+        return textByOffset({u"; this is no serial port", u"。シリアルポートではありません"});
     case ETIMEDOUT:
-        return messageText(u"; the unit or adapter takes no data: check cable and power",
-                           u"。データを送信できません。ケーブルと電源を確認してください");
+        return textByOffset({u"; the unit or adapter takes no data: check cable and power",
+                             u"。データを送信できません。ケーブルと電源を確認してください"});
     case EINVAL:
-        return messageText(
-            u"; the port cannot be set to 38400 bit/s, 8N1: plug the adapter in again, or use another",
-            u"。ポートを 38400 bps、8N1 に設定できません。アダプターを差し直すか、別のアダプターを使用してください");
+        return textByOffset(
+            {u"; the port cannot be set to 38400 bit/s, 8N1: plug the adapter in again, or use another",
+             u"。ポートを 38400 bps、8N1 に設定できません。アダプターを差し直すか、別のアダプターを使用してください"});
     default:
         return {};
     }
@@ -117,7 +118,7 @@ bool isGone(short events) { return (events & (POLLHUP | POLLERR | POLLNVAL)) != 
 
 }  // namespace
 
-void MSComm::failed(const char* doing, int error) const {
+void MSComm::fail(const char* doing, int error) const {
     throw RuntimeFailure(
         error == EBUSY ? failure::kPortOpen : failure::kDeviceIo,
         QStringLiteral("COM%1 (%2): %3: %4%5")
@@ -131,11 +132,11 @@ void MSComm::open(const QString& settings) {
     // Not blocking, so that neither a missing carrier nor a full buffer can hold the program.
     descriptor_ = ::open(QFile::encodeName(path_).constData(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     if (descriptor_ < 0)
-        failed("open", errno);
+        fail("open", errno);
     if (const int error = claim(descriptor_); error != 0) {
         // Not close(): that would drop the output and the mark of the program that has the port.
         ::close(std::exchange(descriptor_, -1));
-        failed("claim", error);
+        fail("claim", error);
     }
     try {
         setDriver();
@@ -156,15 +157,15 @@ void MSComm::setDriver() const {
     ::ioctl(descriptor_, TIOCSSERIAL, &serial);
     // Low latency is a gain, the speed a must.
     if (::ioctl(descriptor_, TIOCGSERIAL, &serial) < 0)
-        failed("line settings", errno);
+        fail("line settings", errno);
     if ((serial.flags & kOtherSpeed) != 0)
-        failed("line settings", EINVAL);
+        fail("line settings", EINVAL);
 }
 
 void MSComm::setLine() const {
     termios asked{};
     if (::tcgetattr(descriptor_, &asked) < 0)
-        failed("line settings", errno);
+        fail("line settings", errno);
     asked.c_iflag = asked.c_oflag = asked.c_lflag = 0;
     asked.c_cflag = (asked.c_cflag & HUPCL) | CS8 | CREAD | CLOCAL;
     // With at least 1, a read of an idle port says "again", and 0 bytes mean a hang-up.
@@ -173,13 +174,13 @@ void MSComm::setLine() const {
     ::cfsetispeed(&asked, B38400);
     ::cfsetospeed(&asked, B38400);
     if (::tcsetattr(descriptor_, TCSANOW, &asked) < 0)
-        failed("line settings", errno);
+        fail("line settings", errno);
     // That reports success as soon as any one setting has been made.
     termios inForce{};
     if (::tcgetattr(descriptor_, &inForce) < 0)
-        failed("line settings", errno);
+        fail("line settings", errno);
     if (!isSameLine(inForce, asked))
-        failed("line settings", EINVAL);
+        fail("line settings", EINVAL);
     ::tcflush(descriptor_, TCIOFLUSH);
 }
 
@@ -197,18 +198,18 @@ void MSComm::close() {
 void MSComm::requireOpen() const {
     if (!isOpen())
         throw RuntimeFailure(failure::kPortNotOpen,
-                             messageText(u"COM%1 is not open", u"COM%1 は開いていません").arg(number_));
+                             textByOffset({u"COM%1 is not open", u"COM%1 は開いていません"}).arg(number_));
 }
 
 qsizetype MSComm::inBufferCount() const {
     requireOpen();
     int count = 0;
     if (::ioctl(descriptor_, FIONREAD, &count) < 0)
-        failed("read", errno);
+        fail("read", errno);
     if (count > 0)
         return count;
     if (isGone(waitFor(POLLIN, std::chrono::nanoseconds::zero())))
-        failed("read", EIO);
+        fail("read", EIO);
     return 0;
 }
 
@@ -232,7 +233,7 @@ qsizetype MSComm::take(char* bytes, qsizetype most) {
     if (taken < 0 && (errno == EAGAIN || errno == EINTR))
         return 0;
     if (taken <= 0)
-        failed("read", taken < 0 ? errno : EIO);
+        fail("read", taken < 0 ? errno : EIO);
     return taken;
 }
 
@@ -259,11 +260,11 @@ void MSComm::output(const QByteArray& bytes) {
             continue;
         }
         if (written < 0 && errno != EAGAIN && errno != EINTR)
-            failed("write", errno);
+            fail("write", errno);
         if (Clock::now() >= deadline)
-            failed("write", ETIMEDOUT);
+            fail("write", ETIMEDOUT);
         if (isGone(waitFor(POLLOUT, deadline - Clock::now())))
-            failed("write", EIO);
+            fail("write", EIO);
     }
 }
 

@@ -68,7 +68,7 @@ private:
     void setLine() const;
     qsizetype take(char* bytes, qsizetype most);
     short waitFor(short events, std::chrono::nanoseconds limit) const;
-    [[noreturn]] void failed(const char* doing, int error) const;
+    [[noreturn]] void fail(const char* doing, int error) const;
 
     int number_ = 1;
     int descriptor_ = -1;

@@ -27,4 +27,4 @@ struct Waits {
     std::chrono::milliseconds progressPainting{2'000};
 };
 
-extern Waits gWaits;
+inline Waits gWaits;

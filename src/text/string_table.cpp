@@ -32,10 +32,10 @@ QString text(int id) {
     return QString::fromUtf16(gLangOffset == 0 ? entry->japanese : entry->english);
 }
 
-QString messageText(const char16_t* english, const char16_t* japanese) {
-    return QString::fromUtf16(gLangOffset == 0 ? japanese : english);
+QString textByOffset(BothLanguages texts) {
+    return QString::fromUtf16(gLangOffset == 0 ? texts.japanese() : texts.english());
 }
 
-QString literalText(const char16_t* english, const char16_t* japanese) {
-    return QString::fromUtf16(gLanguage == 0 ? japanese : english);
+QString textByLanguage(BothLanguages texts) {
+    return QString::fromUtf16(gLanguage == 0 ? texts.japanese() : texts.english());
 }

@@ -23,8 +23,34 @@ extern int gLangOffset;
 /// @throws RuntimeFailure  the table has no such entry
 QString text(int id);
 
-/// One of two texts, in the language of the offset: for what stands inside a message, such as a failure's description.
-QString messageText(const char16_t* english, const char16_t* japanese);
+/// A text that is not in the table, in both languages. One that lacks a language, or has an insert (%1 to %9) in one
+/// language only, does not compile.
+class BothLanguages {
+public:
+    consteval BothLanguages(const char16_t* english, const char16_t* japanese)
+        : english_(english), japanese_(japanese) {
+        if (inserts(english) < 0 || inserts(english) != inserts(japanese))
+            throw "a text must say the same in both languages";
+    }
+    const char16_t* english() const { return english_; }
+    const char16_t* japanese() const { return japanese_; }
 
-/// One of two literal texts, chosen by the language selector itself.
-QString literalText(const char16_t* english, const char16_t* japanese);
+private:
+    /// One bit for each insert in `text`; -1 if there is no text.
+    static consteval int inserts(const char16_t* text) {
+        int found = *text == u'\0' ? -1 : 0;
+        for (; *text != u'\0'; ++text)
+            if (*text == u'%' && text[1] >= u'1' && text[1] <= u'9')
+                found |= 1 << (text[1] - u'0');
+        return found;
+    }
+
+    const char16_t* english_;
+    const char16_t* japanese_;
+};
+
+/// `texts` in the language of gLangOffset: for what stands inside a message, such as a failure's description.
+QString textByOffset(BothLanguages texts);
+
+/// `texts` in the language of gLanguage, which may be ahead of the offset.
+QString textByLanguage(BothLanguages texts);

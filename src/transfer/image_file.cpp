@@ -13,27 +13,27 @@ QByteArray gReadBuf(kImageSize + 1, '\0');
 
 int fncCompareImage() { return gReadBuf == gImageBuf ? 0 : 1; }
 
-[[noreturn]] static void failed(const QFileDevice& file) {
+[[noreturn]] static void fail(const QFileDevice& file) {
     throw RuntimeFailure(failure::kFileAccess, QStringLiteral("%1: %2").arg(file.fileName(), file.errorString()));
 }
 
 static void readInto(QByteArray& array, qsizetype count, const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        failed(file);
+        fail(file);
     const qint64 taken = file.read(array.data(), count);
     if (taken < 0)
-        failed(file);
+        fail(file);
     if (taken < count)
-        throw RuntimeFailure(failure::kFileAccess, messageText(u"%1: the file ends after %2 of %3 bytes",
-                                                               u"%1: ファイルが %2/%3 バイトで終わっています")
+        throw RuntimeFailure(failure::kFileAccess, textByOffset({u"%1: the file ends after %2 of %3 bytes",
+                                                                 u"%1: ファイルが %2/%3 バイトで終わっています"})
                                                        .arg(path, QString::number(taken), QString::number(count)));
 }
 
 static void writeFrom(const QByteArray& array, qsizetype count, const QString& path) {
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(array.constData(), count) != count || !file.commit())
-        failed(file);
+        fail(file);
 }
 
 int fncBinaryFile(const QString& fileName, QByteArray& array, BinaryFileMode mode) {

@@ -141,7 +141,7 @@ void TransferRun::carryOut(const SendOrder& order) {
     if (order.packet.isEmpty())
         return;
     if (const int result = line_.fncSendRaw(order.packet); result != kResultSuccess)
-        throw RuntimeFailure(result, messageText(u"the port failed", u"ポートエラー"));
+        throw RuntimeFailure(result, textByOffset({u"the port failed", u"ポートエラー"}));
 }
 
 TransferState TransferRun::closeWrite() {
@@ -151,13 +151,13 @@ TransferState TransferRun::closeWrite() {
         screen_.announceVerification();
         return kVerificationToRun;
     }
-    finish(/*resumes*/ true, [] { showMessageBox(literalText(u"Succeed", u"正常終了"), kInformation); });
+    finish(/*resumes*/ true, [] { showMessageBox(textByLanguage({u"Succeed", u"正常終了"}), kInformation); });
     screen_.showWrittenVersion(job_.unit);
     return kIdleAfterWrite;
 }
 
 TransferState TransferRun::failWrite(bool resumes) {
-    finish(resumes, [] { showMessageBox(literalText(u"Failed", u"異常終了"), kInformation); });
+    finish(resumes, [] { showMessageBox(textByLanguage({u"Failed", u"異常終了"}), kInformation); });
     return kIdleAfterWrite;
 }
 
@@ -219,7 +219,8 @@ TransferState TransferRun::closeRead() {
     const bool quiet = job_.verificationTicked;
     finish(/*resumes*/ !quiet, [quiet] {
         if (!quiet)
-            showMessageBox(literalText(u"Succeed", u"正常終了"), kInformation, literalText(u"Dravolt", u"ドラボルト"));
+            showMessageBox(textByLanguage({u"Succeed", u"正常終了"}), kInformation,
+                           textByLanguage({u"Dravolt", u"ドラボルト"}));
     });
     return kIdleAfterRead;
 }
@@ -229,11 +230,11 @@ TransferState TransferRun::closeReadBack() {
     finish(/*resumes*/ true, [this] {
         // What has not been read is 0 in the buffer, as it may be in the image.
         const bool same = readCount_ >= kImageSize && fncCompareImage() == 0;
-        const QString title = literalText(u"Dravolt", u"ドラボルト");
+        const QString title = textByLanguage({u"Dravolt", u"ドラボルト"});
         if (same)
-            showMessageBox(literalText(u"Succeed", u"正常終了"), kInformation, title);
+            showMessageBox(textByLanguage({u"Succeed", u"正常終了"}), kInformation, title);
         else
-            showMessageBox(literalText(u"Failed", u"ベリファイ失敗"), kCritical, title);
+            showMessageBox(textByLanguage({u"Failed", u"ベリファイ失敗"}), kCritical, title);
     });
     return kIdleAfterVerification;
 }
@@ -258,9 +259,9 @@ QString TransferRun::sendWithRetries(const QString& code) {
 }
 
 static QString refusal(const QString& code, const QString& response) {
-    return messageText(u"The unit did not carry out command %1 in three attempts; its last answer: %2",
-                       u"コマンド %1 を3回送信しましたが、実行されませんでした。最後の応答: %2")
-        .arg(code, response.isEmpty() ? messageText(u"unusable", u"無効") : response);
+    return textByOffset({u"The unit did not carry out command %1 in three attempts; its last answer: %2",
+                         u"コマンド %1 を3回送信しましたが、実行されませんでした。最後の応答: %2"})
+        .arg(code, response.isEmpty() ? textByOffset({u"unusable", u"無効"}) : response);
 }
 
 /// Puts the unit into its download state, or with kStartUpload into its upload state, and shows the progress.

@@ -14,11 +14,11 @@ SendOrder XmodemSender::take(char byte) { return number_ == 0 ? takeStart(byte) 
 
 SendOrder XmodemSender::timeUp() {
     if (number_ == 0)
-        return fail(kXmodemNoAnswer, messageText(u"the unit did not ask for the image within %1 s",
-                                                 u"ユニットが%1秒以内に転送を開始しませんでした")
-                                         .arg(std::chrono::duration<double>(startWait_).count()));
-    return sendAgain(kXmodemNoAnswer,
-                     messageText(u"sent %1 times; the unit did not answer", u"%1回送信しましたが、応答がありません"));
+        return giveUp(kXmodemNoAnswer, textByOffset({u"the unit did not ask for the image within %1 s",
+                                                     u"ユニットが%1秒以内に転送を開始しませんでした"})
+                                           .arg(std::chrono::duration<double>(startWait_).count()));
+    return sendAgain(kXmodemNoAnswer, textByOffset({u"sent %1 times; the unit did not answer",
+                                                    u"%1回送信しましたが、応答がありません"}));
 }
 
 /// The receiver asks for the image; its start character chooses the check.
@@ -32,16 +32,17 @@ SendOrder XmodemSender::takeStart(char byte) {
     case kCan:
         strayBytes_ = 0;
         if (++cans_ == kCansToAbort)
-            return fail(kXmodemCancelled,
-                        messageText(u"the unit cancelled the transfer (CAN)", u"ユニットが転送を中止しました (CAN)"),
-                        /*clearInput*/ false);
+            return giveUp(
+                kXmodemCancelled,
+                textByOffset({u"the unit cancelled the transfer (CAN)", u"ユニットが転送を中止しました (CAN)"}),
+                /*clearInput*/ false);
         return begin();
     default:
         if (++strayBytes_ == kMaxStrayBytes)
-            return fail(kXmodemRefused, messageText(u"%1 unexpected bytes came, the last one %2",
-                                                    u"予期しないバイトを%1回受信しました (最後は %2)")
-                                            .arg(strayBytes_)
-                                            .arg(static_cast<unsigned char>(byte), 2, 16, QLatin1Char('0')));
+            return giveUp(kXmodemRefused, textByOffset({u"%1 unexpected bytes came, the last one %2",
+                                                        u"予期しないバイトを%1回受信しました (最後は %2)"})
+                                              .arg(strayBytes_)
+                                              .arg(static_cast<unsigned char>(byte), 2, 16, QLatin1Char('0')));
         return {.clearInput = true, .wait = startWait_};
     }
 }
@@ -54,13 +55,13 @@ SendOrder XmodemSender::takeAnswer(char byte) {
         sent_ = true;
         return {};
     case kNak:
-        return sendAgain(kXmodemRefused, messageText(u"sent %1 times; the unit refused it (NAK)",
-                                                     u"%1回送信しましたが、拒否されました (NAK)"));
+        return sendAgain(kXmodemRefused, textByOffset({u"sent %1 times; the unit refused it (NAK)",
+                                                       u"%1回送信しましたが、拒否されました (NAK)"}));
     case kCan:
         sends_ = 1;
         if (++cans_ == kCansToAbort)
-            return fail(kXmodemCancelled,
-                        messageText(u"the unit cancelled the transfer (CAN)", u"ユニットが転送を中止しました (CAN)"));
+            return giveUp(kXmodemCancelled, textByOffset({u"the unit cancelled the transfer (CAN)",
+                                                          u"ユニットが転送を中止しました (CAN)"}));
         break;
     default:
         break;
@@ -80,7 +81,7 @@ SendOrder XmodemSender::sendNext() {
 /// Repeats the packet that was refused or not answered, unless it has been sent too often.
 SendOrder XmodemSender::sendAgain(XmodemResult result, const QString& reason) {
     cans_ = 0;
-    return sends_ == kMaxSends ? fail(result, reason.arg(sends_)) : order();
+    return sends_ == kMaxSends ? giveUp(result, reason.arg(sends_)) : order();
 }
 
 SendOrder XmodemSender::order() {
@@ -88,7 +89,7 @@ SendOrder XmodemSender::order() {
     return {.packet = packet_, .wait = answerWait_};
 }
 
-SendOrder XmodemSender::fail(XmodemResult result, const QString& what, bool clearInput) {
+SendOrder XmodemSender::giveUp(XmodemResult result, const QString& what, bool clearInput) {
     failure_.emplace(result, place() + what);
     return {.clearInput = clearInput};
 }
@@ -97,8 +98,8 @@ int XmodemSender::acknowledgedBytes() const { return std::max(number_ - 1, 0) * 
 
 QString XmodemSender::place() const {
     if (number_ == 0)
-        return messageText(u"Before the first block: ", u"最初のブロックの前: ");
+        return textByOffset({u"Before the first block: ", u"最初のブロックの前: "});
     if (number_ > kPackets)
-        return messageText(u"At the end of the image (EOT): ", u"イメージの終わり (EOT): ");
-    return messageText(u"Block %1 of %2: ", u"ブロック %1/%2: ").arg(number_).arg(kPackets);
+        return textByOffset({u"At the end of the image (EOT): ", u"イメージの終わり (EOT): "});
+    return textByOffset({u"Block %1 of %2: ", u"ブロック %1/%2: "}).arg(number_).arg(kPackets);
 }

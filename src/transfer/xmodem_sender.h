@@ -59,7 +59,7 @@ private:
     SendOrder sendNext();
     SendOrder sendAgain(XmodemResult result, const QString& reason);
     SendOrder order();
-    SendOrder fail(XmodemResult result, const QString& what, bool clearInput = true);
+    SendOrder giveUp(XmodemResult result, const QString& what, bool clearInput = true);
 
     const QByteArray& image_;
     const std::chrono::milliseconds startWait_;

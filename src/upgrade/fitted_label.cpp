@@ -1,5 +1,7 @@
 #include "upgrade/fitted_label.h"
 
+#include "widgets/colours.h"
+
 #include <QFontMetricsF>
 #include <QHelpEvent>
 #include <QPainter>
@@ -24,11 +26,7 @@ QColor FittedLabel::textColour() const {
     const QColor text = palette().color(QPalette::Active, QPalette::WindowText);
     if (!grey_ && isEnabled())
         return text;
-    // The grey that styles take for disabled texts can hardly be read.
-    constexpr int kShareOfText = 55;
-    const QColor ground = palette().color(QPalette::Active, QPalette::Window);
-    const auto mixed = [](int a, int b) { return (a * kShareOfText + b * (100 - kShareOfText)) / 100; };
-    return {mixed(text.red(), ground.red()), mixed(text.green(), ground.green()), mixed(text.blue(), ground.blue())};
+    return readableGrey(text, palette().color(QPalette::Active, QPalette::Window));
 }
 
 void FittedLabel::setGrey(bool grey) {

@@ -24,11 +24,3 @@ void placeControls(const QWidget& form, const ControlPlace (&places)[n]) {
             ->setGeometry(place.left / kTwipsPerPixel, place.top / kTwipsPerPixel, place.width / kTwipsPerPixel,
                           place.height / kTwipsPerPixel);
 }
-
-/// A new control of `form`, named `name`.
-template <typename Control>
-Control* addControl(QWidget& form, const QString& name) {
-    auto* control = new Control(&form);
-    control->setObjectName(name);
-    return control;
-}

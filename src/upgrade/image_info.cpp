@@ -19,8 +19,8 @@ int imageVersionWord(const QByteArray& image) {
     const int word = byteAt(kVersionHigh) * 256 + byteAt(kVersionLow);
     if (word > 0x7FFF)
         throw RuntimeFailure(failure::kOverflow,
-                             messageText(u"Overflow: the version word of the image is %1, above 32767",
-                                         u"オーバーフロー: イメージのバージョン値 %1 が 32767 を超えています")
+                             textByOffset({u"Overflow: the version word of the image is %1, above 32767",
+                                           u"オーバーフロー: イメージのバージョン値 %1 が 32767 を超えています"})
                                  .arg(word));
     return word;
 }

@@ -15,4 +15,4 @@ extern QString gFileVersion;
 /// Sets gFileTypeName and gFileVersion from the information block in gImageBuf and the type tables; an interface unit's
 /// entry wins over an amplifier's.
 /// @throws RuntimeFailure  the amplifier's entry has no type name, or a base number that is too large
-void subTakeImageInfo();
+void takeImageInfo();

@@ -1,19 +1,27 @@
 #include "upgrade/main_window.h"
 
+#include "app/identification.h"
+#include "link/device_commands.h"
 #include "system/program_end.h"
 #include "system/program_folder.h"
+#include "text/error_report.h"
 #include "text/message_box.h"
+#include "text/runtime_failure.h"
 #include "text/string_table.h"
 #include "transfer/image_file.h"
+#include "upgrade/file_dialog.h"
 #include "upgrade/form_layout.h"
 #include "upgrade/image_loading.h"
+#include "version.h"
 #include "widgets/centring.h"
 #include "widgets/fonts.h"
 #include "widgets/form_texts.h"
 
 #include <QCheckBox>
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QFrame>
+#include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QVBoxLayout>
@@ -148,9 +156,9 @@ void frmMain::createHidden() {
 }
 
 void frmMain::subSetWindowTexts() {
-    chkVerify->setText(literalText(u"Verification", u"ベリファイ実行"));
-    optPresent[0]->setAccessibleName(literalText(u"Target: sensor amplifier", u"対象: センサアンプ"));
-    optPresent[1]->setAccessibleName(literalText(u"Target: interface unit", u"対象: インターフェースユニット"));
+    chkVerify->setText(textByLanguage({u"Verification", u"ベリファイ実行"}));
+    optPresent[0]->setAccessibleName(textByLanguage({u"Target: sensor amplifier", u"対象: センサアンプ"}));
+    optPresent[1]->setAccessibleName(textByLanguage({u"Target: interface unit", u"対象: インターフェースユニット"}));
     subApplyLanguage([this] {
         setWindowTitle(text(IDS_FRMMAIN_CAPTION));
         applyControlTexts(*this, kMainTexts);
@@ -161,7 +169,7 @@ void frmMain::subSetWindowTexts() {
     for (QLabel* label : lblVersion)
         setCatalogueFont(*label);
     if (lblService != nullptr) {
-        lblService->setText(literalText(u"for service", u"サービス用"));
+        lblService->setText(textByLanguage({u"for service", u"サービス用"}));
         setCatalogueFont(*lblService);
     }
 }
@@ -212,7 +220,7 @@ void frmMain::setProgress(int bytes) { progressDialog().setBytes(bytes); }
 
 void frmMain::announceVerification() {
     frmWait_.reset();
-    progressDialog().setMessage(literalText(u"Verification...", u"ベリファイ中..."));
+    progressDialog().setMessage(textByLanguage({u"Verification...", u"ベリファイ中..."}));
 }
 
 void frmMain::releaseWindow() {
@@ -221,3 +229,145 @@ void frmMain::releaseWindow() {
 }
 
 void frmMain::raiseWindow() { raise(); }
+
+// ---- rows and target ----
+
+static QString programVersionText(int major, int minor) {
+    return QStringLiteral("ver%1.%2").arg(major).arg(minor, 3, 10, QLatin1Char('0'));
+}
+
+void frmMain::subSetAllVersion() {
+    runTrapped([this] {
+        setWindowTitle(QStringLiteral("Dravolt ") + programVersionText(kProgramMajor, kProgramMinor));
+        const std::array<QString, 3> names{gAmpTypeName, gIfuTypeName, gFileTypeName};
+        const std::array<QString, 3> versions{gAmpVersion, gIfuVersion, gFileVersion};
+        for (std::size_t row = 0; row < lblTitle.size(); ++row) {
+            lblTitle[row]->setText(names[row]);
+            lblVersion[row]->setText(names[row].isEmpty() ? QString() : versions[row]);
+        }
+    });
+}
+
+/// The chosen unit and the image are written normally, the other unit in grey.
+void frmMain::optPresent_Click(int index) {
+    runTrapped([this, index] {
+        gUnitNo = index == 1 ? kInterfaceUnit : kSensorAmplifier;
+        for (int row = 0; row <= kImageRow; ++row) {
+            const bool grey = row != index && row != kImageRow;
+            lblTitle[static_cast<std::size_t>(row)]->setGrey(grey);
+            lblVersion[static_cast<std::size_t>(row)]->setGrey(grey);
+        }
+    });
+}
+
+TransferJob frmMain::chosenJob() const {
+    return {.unit = optPresent[0]->isChecked() ? kSensorAmplifier : kInterfaceUnit,
+            .verificationTicked = chkVerify->isChecked()};
+}
+
+void frmMain::showWrittenVersion(int unit) {
+    const QString written = lblVersion[kImageRow]->text();
+    lblVersion[rowOf(unit)]->setText(written);
+    // The unit's version is this one from now on: the next refresh of the rows must not bring the old one back.
+    (unit == kSensorAmplifier ? gAmpVersion : gIfuVersion) = written;
+}
+
+// ---- image loading ----
+
+static qint64 fileLength(const QString& path) {
+    const QFileInfo file(path);
+    if (!file.exists())
+        throw RuntimeFailure(failure::kFileAccess,
+                             textByOffset({u"%1: there is no such file", u"%1: ファイルが見つかりません"}).arg(path));
+    return file.size();
+}
+
+void frmMain::cmdLoading_Click() {
+    if (TransferRun::isRunning())
+        return;
+    runTrapped([this] {
+        const QString chosen = chooseFile(*this, QFileDialog::AcceptOpen, gLoadFileName);
+        if (chosen.isEmpty())
+            return;
+        gLoadFileName = chosen;
+        if (fileLength(chosen) == kImageSize)
+            loadChosenImage();
+    });
+    enableWindow();
+    cmdUpgrade->setEnabled(gFileLoaded);
+    setDefaultCursor();
+}
+
+void frmMain::loadChosenImage() {
+    disableWindow();
+    gFileVersion.clear();
+    gFileTypeName.clear();
+    lblTitle[kImageRow]->clear();
+    lblVersion[kImageRow]->clear();
+    QCoreApplication::processEvents();
+    gImageBuf.fill('\0', kImageSize + 1);
+    gFileLoaded = fncBinaryFile(gLoadFileName, gImageBuf, kReadFile) == kImageSize;
+    if (gFileLoaded)
+        takeImageInfo();
+    subSetAllVersion();
+}
+
+// ---- upgrade ----
+
+void frmMain::cmdUpgrade_Click() {
+    if (TransferRun::isRunning())
+        return;
+    if (!runTrapped([this] { startUpgrade(); })) {
+        enableWindow();
+        setDefaultCursor();
+    }
+}
+
+void frmMain::startUpgrade() {
+    const TransferJob job = chosenJob();
+    if (lblTitle[rowOf(job.unit)]->text() != lblTitle[kImageRow]->text()) {
+        fncMsgBox(IDS_MSGERR_NOTADAPTED, kOkOnly);
+        return;
+    }
+    disableWindow();
+    const bool goOn = confirmCommunication();
+    const bool dryRun = !LabelWriteProtect->isHidden();
+    if (goOn && dryRun)
+        showMessageBox(QStringLiteral("形式認識テストです　書込み処理はスキップします。"), kOkOnly);
+    if (!goOn || dryRun) {
+        enableWindow();
+        setDefaultCursor();
+        return;
+    }
+    progressDialog().cmdCancel->setEnabled(false);
+    run_.write(job);
+}
+
+/// Whether the sensor amplifier answers normally, or the operator wants to go on all the same.
+bool frmMain::confirmCommunication() {
+    return fncCheckSensorComm() == 0 || fncMsgBox(IDS_MSGERR_NOTCHECK_CONFIRM, kOkCancel) == kOk;
+}
+
+// ---- save ----
+
+static QString gSaveFileName;
+
+void frmMain::cmdPresent_Click() {
+    if (TransferRun::isRunning())
+        return;
+    if (!runTrapped([this] { startSave(); })) {
+        enableWindow();
+        setDefaultCursor();
+    }
+}
+
+void frmMain::startSave() {
+    const QString chosen = chooseFile(*this, QFileDialog::AcceptSave, gSaveFileName);
+    if (chosen.isEmpty())
+        return;
+    gSaveFileName = chosen;
+    disableWindow();
+    TransferJob job = chosenJob();
+    job.file = chosen;
+    run_.read(job);
+}

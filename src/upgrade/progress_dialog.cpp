@@ -26,8 +26,8 @@ static constexpr ControlText kWaitTexts[] = {{"cmdCancel", IDS_FRMWAIT_CMD_CANCE
 
 /// What the dialog says of the loaded image, whatever the dialog is used for.
 static QString progressMessage(const QString& imageName, const QString& imageVersion) {
-    const QString before = literalText(u" is under updating to ver", u" のソフトウェアを ver");
-    const QString after = literalText(u".", u" にアップデート中です。");
+    const QString before = textByLanguage({u" is under updating to ver", u" のソフトウェアを ver"});
+    const QString after = textByLanguage({u".", u" にアップデート中です。"});
     return trimBlanks(imageName + before + imageVersion + after);
 }
 
@@ -97,7 +97,7 @@ QString progressText(std::chrono::milliseconds elapsed, int done, int rest) {
     if (elapsed < std::chrono::seconds(1) || done <= 0)
         return QStringLiteral("%p%");
     const auto left = std::chrono::ceil<std::chrono::seconds>(elapsed * rest / done);
-    return literalText(u"%p%  (%1:%2 left)", u"%p%（残り %1:%2）")
+    return textByLanguage({u"%p%  (%1:%2 left)", u"%p%（残り %1:%2）"})
         .arg(left.count() / 60)
         .arg(left.count() % 60, 2, 10, QLatin1Char('0'));
 }

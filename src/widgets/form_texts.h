@@ -4,11 +4,10 @@
 #include "text/string_table.h"
 
 #include <QString>
+#include <QWidget>
 
 #include <functional>
 #include <span>
-
-class QWidget;
 
 /// Font of labels and buttons, in the language current when a form's texts were last applied; as the two below.
 extern QString gFontName;
@@ -16,6 +15,14 @@ extern QString gFontName;
 extern QString gFilterText;
 /// Message of the start-up form for a failed first test.
 extern QString gNoPortText;
+
+/// A new control of `form`, named `name`.
+template <typename Control>
+Control* addControl(QWidget& form, const QString& name) {
+    auto* control = new Control(&form);
+    control->setObjectName(name);
+    return control;
+}
 
 /// One control of a form, its text, and whether it takes the catalogue's font.
 struct ControlText {

@@ -1,3 +1,0 @@
-#include "link/waits.h"
-
-Waits gWaits;
