@@ -1,5 +1,5 @@
 /// The simulator's request parser. A byte 0xFF of the input is a silence of the line, every other byte itself.
-#include "simulator/request_parser.h"
+#include "simulator/command_frames.h"
 #include "support/input.h"
 #include "support/require.h"
 

@@ -1,8 +1,7 @@
 #include "simulator/block_sender.h"
 
-#include "simulator/check_values.h"
-#include "simulator/control_bytes.h"
 #include "simulator/image.h"
+#include "simulator/wire.h"
 
 #include <cstddef>
 #include <span>
@@ -11,7 +10,7 @@ namespace units {
 
 BlockSender::BlockSender(Bytes image, unsigned blocks, bool unsure, FaultBook& faults, Journal& journal,
                          const Timing& timing)
-    : image_(std::move(image)), blocks_(blocks), faults_(faults), journal_(journal), timing_(timing), unsure_(unsure) {}
+    : XmodemUnit("upload", unsure, faults, journal, timing), image_(std::move(image)), blocks_(blocks) {}
 
 Script BlockSender::begin(Time now) {
     deadline_ = now + timing_.uploadStartWait;
@@ -19,20 +18,17 @@ Script BlockSender::begin(Time now) {
 }
 
 Script BlockSender::take(std::uint8_t byte, Time now) {
-    if (byte == kCan)
-        return takeCancel(now);
-    if (cancels_ > 0)
-        journal_.violation(now, "a single CAN");
-    cancels_ = 0;
+    if (byte == kCan) {
+        takeCancel(now);
+        return {};
+    }
+    singleCancel(now);
     if (byte == kNak)
         return refused(now);
     if (byte == kAck && state_ != State::starting)
         return accepted(now);
-    if (byte == kStx && unsure_) {
-        handedBack_ = byte;
-        end("the client returns to commands", now);
+    if (returnsToCommands(byte, now))
         return {};
-    }
     if (!astray_)
         journal_.violation(now, "byte that does not answer a block: " + hexNumber(byte, 2));
     astray_ = true;
@@ -40,7 +36,7 @@ Script BlockSender::take(std::uint8_t byte, Time now) {
 }
 
 void BlockSender::sent(Time now) {
-    if (state_ == State::over)
+    if (over())
         deadline_.reset();
     else
         deadline_ = now + timing_.answerWait;
@@ -52,12 +48,6 @@ Script BlockSender::timeout(Time now) {
         return {};
     }
     return repeat("no answer", now);
-}
-
-Script BlockSender::takeCancel(Time now) {
-    if (++cancels_ == 2)
-        end("upload cancelled by the client", now);
-    return {};
 }
 
 Script BlockSender::accepted(Time now) {
@@ -82,8 +72,6 @@ Script BlockSender::refused(Time now) {
         if (++eotAnswers_ > 1 && !unsure_)
             journal_.violation(now, "NAK of a later EOT than the first");
         return repeat("NAK", now);
-    case State::over:
-        break;
     }
     return {};
 }
@@ -138,20 +126,11 @@ Bytes BlockSender::encodeBlock(const ActiveFaults& faults) const {
 }
 
 Script BlockSender::send(Bytes bytes, const std::string& meaning, const ActiveFaults& faults, Time now) {
-    unsure_ = unsure_ || !faults.empty();
-    outOfStep_ = outOfStep_ || faults.upsetOrder();
+    mind(faults);
     journal_.sent(now, faults.empty() ? meaning : meaning + ", fault " + faults.text());
-    if (const Fault* cancel = faults.find(FaultKind::can); cancel != nullptr && cancel->number >= 2)
-        state_ = State::over;
     Script script = shape(std::move(bytes), faults);
     script.excusesEarlyBytes = outOfStep_;
     return script;
-}
-
-void BlockSender::end(const std::string& reason, Time now) {
-    journal_.note(now, reason);
-    state_ = State::over;
-    deadline_.reset();
 }
 
 }  // namespace units

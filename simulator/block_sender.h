@@ -1,9 +1,6 @@
 #pragma once
 
-#include "simulator/fault_book.h"
-#include "simulator/journal.h"
-#include "simulator/machine.h"
-#include "simulator/options.h"
+#include "simulator/xmodem_unit.h"
 
 #include <string>
 
@@ -11,7 +8,7 @@ namespace units {
 
 /// Sends a firmware image by XMODEM with one-byte sums. The client starts it with a NAK, acknowledges every block,
 /// answers the first EOT with NAK and the second with ACK.
-class BlockSender final : public Machine {
+class BlockSender final : public XmodemUnit {
 public:
     /// Sends the first `blocks` blocks of the image, 1..1920. `unsure`: a fault kept the client from knowing that the
     /// upload has started.
@@ -21,14 +18,10 @@ public:
     Script take(std::uint8_t byte, Time now) override;
     void sent(Time now) override;
     Script timeout(Time now) override;
-    std::optional<Time> deadline() const override { return deadline_; }
-    bool over() const override { return state_ == State::over; }
-    std::optional<std::uint8_t> handedBack() const override { return handedBack_; }
 
 private:
-    enum class State { starting, sending, ending, over };
+    enum class State { starting, sending, ending };
 
-    Script takeCancel(Time now);
     Script accepted(Time now);
     Script refused(Time now);
     Script next(Time now);
@@ -37,25 +30,16 @@ private:
     Script sendEot(Time now);
     Bytes encodeBlock(const ActiveFaults& faults) const;
     Script send(Bytes bytes, const std::string& meaning, const ActiveFaults& faults, Time now);
-    void end(const std::string& reason, Time now);
 
     Bytes image_;
     unsigned blocks_;
-    FaultBook& faults_;
-    Journal& journal_;
-    Timing timing_;
 
     State state_ = State::starting;
-    std::optional<Time> deadline_;
-    std::optional<std::uint8_t> handedBack_;
     unsigned block_ = 0;       ///< number of the block being sent, from 1
     unsigned repeats_ = 0;     ///< of the present block or EOT
     unsigned eots_ = 0;        ///< EOTs sent
     unsigned eotAnswers_ = 0;  ///< answers to them
-    unsigned cancels_ = 0;
-    bool astray_ = false;  ///< the bytes that come are known to be no answers
-    bool unsure_;
-    bool outOfStep_ = false;
+    bool astray_ = false;      ///< the bytes that come are known to be no answers
 };
 
 }  // namespace units

@@ -1,6 +1,6 @@
 #include "simulator/command_machine.h"
 
-#include "simulator/control_bytes.h"
+#include "simulator/wire.h"
 
 namespace units {
 

@@ -1,12 +1,11 @@
 #pragma once
 
+#include "simulator/command_frames.h"
 #include "simulator/devices.h"
 #include "simulator/fault_book.h"
 #include "simulator/journal.h"
 #include "simulator/machine.h"
 #include "simulator/operations.h"
-#include "simulator/reply.h"
-#include "simulator/request_parser.h"
 
 #include <optional>
 #include <string>

@@ -1,9 +1,9 @@
 #include "simulator/engine.h"
 
 #include "simulator/block_sender.h"
-#include "simulator/control_bytes.h"
 #include "simulator/packet_receiver.h"
 #include "simulator/peer.h"
+#include "simulator/wire.h"
 
 #include <algorithm>
 #include <array>

@@ -1,13 +1,12 @@
 #pragma once
 
-#include "simulator/arrivals.h"
 #include "simulator/command_machine.h"
 #include "simulator/devices.h"
 #include "simulator/fault_book.h"
 #include "simulator/journal.h"
+#include "simulator/line.h"
 #include "simulator/machine.h"
 #include "simulator/pty.h"
-#include "simulator/transmitter.h"
 
 #include <atomic>
 #include <chrono>

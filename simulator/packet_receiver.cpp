@@ -1,8 +1,7 @@
 #include "simulator/packet_receiver.h"
 
-#include "simulator/check_values.h"
-#include "simulator/control_bytes.h"
 #include "simulator/image.h"
+#include "simulator/wire.h"
 
 #include <algorithm>
 #include <span>
@@ -29,7 +28,7 @@ std::string withFaults(const std::string& meaning, const ActiveFaults& faults, c
 
 PacketReceiver::PacketReceiver(CheckMode mode, bool unsure, FaultBook& faults, Journal& journal, const Timing& timing,
                                Accept accept)
-    : mode_(mode), faults_(faults), journal_(journal), timing_(timing), accept_(std::move(accept)), unsure_(unsure) {
+    : XmodemUnit("download", unsure, faults, journal, timing), mode_(mode), accept_(std::move(accept)) {
     image_.reserve(kImageSize);
 }
 
@@ -44,22 +43,20 @@ Script PacketReceiver::take(std::uint8_t byte, Time now) {
     case State::starting:
     case State::between:
     case State::lingering:
-    case State::over:
         break;
     }
     return takeBetween(byte, now);
 }
 
 void PacketReceiver::sent(Time now) {
-    if (state_ == State::over)
+    if (over())
         deadline_.reset();
     else
         deadline_ = now + (state_ == State::starting ? timing_.startInterval : timing_.packetWait);
 }
 
 Script PacketReceiver::timeout(Time now) {
-    if (cancels_ > 0)
-        journal_.violation(now, "a single CAN");
+    singleCancel(now);
     switch (state_) {
     case State::inside:
         return brokenOff(now);
@@ -71,7 +68,6 @@ Script PacketReceiver::timeout(Time now) {
         return retry(now);
     case State::starting:
     case State::between:
-    case State::over:
         break;
     }
     return retry(now);
@@ -86,15 +82,15 @@ Script PacketReceiver::askForStart(Time now) {
 }
 
 Script PacketReceiver::takeBetween(std::uint8_t byte, Time now) {
-    if (byte == kCan)
-        return takeCancel(now);
-    if (cancels_ > 0)
-        return refuse("a single CAN", now);
-    if (byte == kStx && unsure_) {
-        handedBack_ = byte;
-        end("the client returns to commands", now);
+    if (byte == kCan) {
+        deadline_ = now + timing_.byteGap;
+        takeCancel(now);
         return {};
     }
+    if (singleCancel(now))
+        return purge(now);
+    if (returnsToCommands(byte, now))
+        return {};
     if (byte == kEot)
         return endOfTransfer(now);
     if (byte != kSoh)
@@ -124,15 +120,9 @@ Script PacketReceiver::takeInside(std::uint8_t byte, Time now) {
 Script PacketReceiver::takePurging(std::uint8_t byte, Time now) {
     deadline_ = now + timing_.byteGap;
     if (byte == kCan)
-        return takeCancel(now);
-    cancels_ = 0;
-    return {};
-}
-
-Script PacketReceiver::takeCancel(Time now) {
-    deadline_ = now + timing_.byteGap;
-    if (++cancels_ == 2)
-        end("download cancelled by the client", now);
+        takeCancel(now);
+    else
+        forgetCancel();
     return {};
 }
 
@@ -218,10 +208,7 @@ Script PacketReceiver::brokenOff(Time now) {
 }
 
 Script PacketReceiver::answerControl(std::uint8_t control, const ActiveFaults& faults) {
-    unsure_ = unsure_ || !faults.empty();
-    outOfStep_ = outOfStep_ || faults.upsetOrder();
-    if (const Fault* cancel = faults.find(FaultKind::can); cancel != nullptr && cancel->number >= 2)
-        state_ = State::over;
+    mind(faults);
     Script script = faults.has(FaultKind::silence) ? Script{{Step{}}} : shape({control}, faults);
     // A client that does not know of the download may be sending a command when it is asked to start.
     script.excusesEarlyBytes = outOfStep_ || (unsure_ && state_ == State::starting);
@@ -230,14 +217,17 @@ Script PacketReceiver::answerControl(std::uint8_t control, const ActiveFaults& f
 
 Script PacketReceiver::refuse(const std::string& reason, Time now) {
     journal_.violation(now, reason);
+    forgetCancel();
+    return purge(now);
+}
+
+Script PacketReceiver::purge(Time now) {
     state_ = State::purging;
-    cancels_ = 0;
     deadline_ = now + timing_.byteGap;
     return {};
 }
 
 Script PacketReceiver::retry(Time now) {
-    cancels_ = 0;
     const bool starting = state_ == State::starting;
     if (tries_ >= (starting ? timing_.startTries : timing_.packetTries)) {
         end("download given up: the client is silent", now);
@@ -258,12 +248,6 @@ ActiveFaults PacketReceiver::faultsOfPacket() {
     if (packet_[1] == (blocks_ & 0xFF) && blocks_ > 0)
         return faults_.occur({PlaceKind::packet, {}, blocks_});
     return {};
-}
-
-void PacketReceiver::end(const std::string& reason, Time now) {
-    journal_.note(now, reason);
-    state_ = State::over;
-    deadline_.reset();
 }
 
 }  // namespace units

@@ -1,9 +1,6 @@
 #pragma once
 
-#include "simulator/fault_book.h"
-#include "simulator/journal.h"
-#include "simulator/machine.h"
-#include "simulator/options.h"
+#include "simulator/xmodem_unit.h"
 
 #include <functional>
 #include <string>
@@ -12,7 +9,7 @@ namespace units {
 
 /// Takes a firmware image by XMODEM: asks for it with the start character, checks every packet to the letter, and hands
 /// the image over when the end of exactly 1920 blocks is acknowledged.
-class PacketReceiver final : public Machine {
+class PacketReceiver final : public XmodemUnit {
 public:
     /// Called with the complete image right before the acknowledgement of its end is sent, and with the time since the
     /// first byte of the first packet.
@@ -26,21 +23,17 @@ public:
     Script take(std::uint8_t byte, Time now) override;
     void sent(Time now) override;
     Script timeout(Time now) override;
-    std::optional<Time> deadline() const override { return deadline_; }
-    bool over() const override { return state_ == State::over; }
-    std::optional<std::uint8_t> handedBack() const override { return handedBack_; }
 
 private:
     /// starting: no packet yet; between: waits for the next; inside: a packet has begun; purging: waits for silence
     /// after a breach; lingering: the image is complete, but its acknowledgement may have got lost.
-    enum class State { starting, between, inside, purging, lingering, over };
+    enum class State { starting, between, inside, purging, lingering };
 
     std::size_t packetSize() const { return mode_ == CheckMode::crc ? 133 : 132; }
     Script askForStart(Time now);
     Script takeBetween(std::uint8_t byte, Time now);
     Script takeInside(std::uint8_t byte, Time now);
     Script takePurging(std::uint8_t byte, Time now);
-    Script takeCancel(Time now);
     Script packet(Time now);
     std::string packetFlaw() const;
     Script newPacket(Time now);
@@ -49,29 +42,21 @@ private:
     Script endOfTransfer(Time now);
     Script brokenOff(Time now);
     Script answerControl(std::uint8_t control, const ActiveFaults& faults);
+    Script purge(Time now);
     Script refuse(const std::string& reason, Time now);
     Script retry(Time now);
     ActiveFaults faultsOfPacket();
-    void end(const std::string& reason, Time now);
 
     CheckMode mode_;
-    FaultBook& faults_;
-    Journal& journal_;
-    Timing timing_;
     Accept accept_;
 
     State state_ = State::starting;
-    std::optional<Time> deadline_;
-    std::optional<std::uint8_t> handedBack_;
     Bytes image_;
     Bytes packet_;
     ActiveFaults packetFaults_;
     std::optional<Time> firstPacket_;
     unsigned blocks_ = 0;
     unsigned tries_ = 0;
-    unsigned cancels_ = 0;
-    bool unsure_;             ///< the client may believe that the transfer has ended or never started
-    bool outOfStep_ = false;  ///< the client may be an answer ahead or behind through no fault of its own
     bool mayRepeat_ = false;  ///< something gave the client reason to send the last packet again
     bool accepted_ = false;
 };

@@ -1,6 +1,6 @@
 #include "simulator/script.h"
 
-#include "simulator/control_bytes.h"
+#include "simulator/wire.h"
 
 #include <algorithm>
 #include <cstddef>

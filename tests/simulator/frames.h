@@ -1,7 +1,6 @@
 #pragma once
 
-#include "simulator/check_values.h"
-#include "simulator/control_bytes.h"
+#include "simulator/wire.h"
 #include "simulator/image.h"
 #include "simulator/machine.h"
 

@@ -1,7 +1,6 @@
-#include "simulator/request_parser.h"
+#include "simulator/command_frames.h"
 
-#include "simulator/check_values.h"
-#include "simulator/control_bytes.h"
+#include "simulator/wire.h"
 
 #include <span>
 #include <string_view>
@@ -77,6 +76,17 @@ RequestParser::Result RequestParser::finish(std::uint8_t byte) {
 RequestParser::Result RequestParser::refuse(const std::string& reason) {
     state_ = State::skipping;
     return {std::nullopt, reason};
+}
+
+Bytes encode(const Reply& reply) {
+    Bytes frame{kStx};
+    const Bytes head = bytesOf("0000" + reply.endCode + reply.command + reply.response);
+    frame.insert(frame.end(), head.begin(), head.end());
+    frame.insert(frame.end(), reply.data.begin(), reply.data.end());
+    frame.push_back(kEtx);
+    const std::uint8_t check = blockCheck(std::span(frame).subspan(1));
+    frame.push_back(check);
+    return frame;
 }
 
 }  // namespace units

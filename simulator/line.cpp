@@ -1,4 +1,4 @@
-#include "simulator/transmitter.h"
+#include "simulator/line.h"
 
 #include <algorithm>
 
@@ -6,12 +6,26 @@ namespace units {
 
 namespace {
 
+constexpr Time kMaxForgiven = std::chrono::milliseconds(100);
+
 /// Bytes the client sees at once on a line with a rate.
 constexpr std::size_t kPortionSize = 16;
 
 constexpr std::uint8_t kFloodByte = 0x55;
 
 }  // namespace
+
+void Arrivals::forgive(Time lateness) { forgiven_ = std::min(lateness, kMaxForgiven); }
+
+void Arrivals::add(std::span<const std::uint8_t> bytes, Time now) {
+    Time at = byteTime_ == Time{0} ? now : std::max(lineFree_, now - forgiven_);
+    for (const std::uint8_t byte : bytes) {
+        at += byteTime_;
+        queue_.push_back({byte, at});
+    }
+    lineFree_ = at;
+    forgiven_ = Time{0};
+}
 
 void Transmitter::load(const Script& script, Time from) {
     end_ = std::max(end_, from);

@@ -1,4 +1,4 @@
-#include "simulator/check_values.h"
+#include "simulator/wire.h"
 
 namespace units {
 
