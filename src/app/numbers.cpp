@@ -16,22 +16,24 @@ static QRegularExpressionMatch matchNumber(const QString& text) {
     return number.match(text);
 }
 
-static QString withoutBlanks(const QString& text) { return QString(text).remove(QLatin1Char(' ')); }
-
-double leadingNumber(const QString& text) {
-    const QRegularExpressionMatch match = matchNumber(withoutBlanks(text));
-    if (!match.hasMatch())
-        return 0;
+static double valueOf(const QRegularExpressionMatch& match) {
     const QString hex = match.captured(QStringLiteral("hex"));
     if (!hex.isEmpty())
         return std::strtod(("0x" + hex.toLatin1()).constData(), nullptr);
     return match.captured().replace(QLatin1Char('D'), QLatin1Char('E'), Qt::CaseInsensitive).toDouble();
 }
 
-bool isNumeric(const QString& text) {
+double leadingNumber(const QString& text) {
+    const QRegularExpressionMatch match = matchNumber(QString(text).remove(QLatin1Char(' ')));
+    return match.hasMatch() ? valueOf(match) : 0;
+}
+
+std::optional<double> wholeNumber(const QString& text) {
     const QString trimmed = trimBlanks(text);
     const QRegularExpressionMatch match = matchNumber(trimmed);
-    return match.hasMatch() && match.capturedLength() == trimmed.size();
+    if (!match.hasMatch() || match.capturedLength() != trimmed.size())
+        return std::nullopt;
+    return valueOf(match);
 }
 
 template <typename Integer>

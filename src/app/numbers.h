@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <optional>
 
 /// Value of the longest leading part of `text` that reads as a number, 0 when there is none.
 ///
@@ -13,8 +14,8 @@
 /// inside the text are skipped.
 double leadingNumber(const QString& text);
 
-/// Whether all of `text`, blanks at its ends aside, reads as one number.
-bool isNumeric(const QString& text);
+/// The number that all of `text` is, blanks at its ends aside; nothing if it is none.
+std::optional<double> wholeNumber(const QString& text);
 
 /// `value` rounded to the nearest whole number, halves to the even one.
 /// @throws RuntimeFailure  the number has no place in 16 bits, sign included

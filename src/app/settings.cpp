@@ -30,8 +30,8 @@ static void readLanguage(const QString& file) {
 static void readPort(const QString& file) {
     const QString port = fncGetIniString(QStringLiteral("IFU"), QStringLiteral("COM"), file);
     gComPort = 1;
-    if (isNumeric(port))
-        gComPort = toInt16(leadingNumber(port));
+    if (const std::optional<double> number = wholeNumber(port))
+        gComPort = toInt16(*number);
 }
 
 bool fncReadSetting() {

@@ -4,8 +4,10 @@
 #include "text/runtime_failure.h"
 #include "text/string_table.h"
 
-#include <algorithm>
+#include <array>
+#include <charconv>
 #include <numeric>
+#include <optional>
 
 static constexpr int kNodeAndSubAddress = 4;
 static constexpr int kEndCodeLast = 6;
@@ -18,15 +20,14 @@ QByteArray buildRequestFrame(const QString& command) {
     return kStx + body + check;
 }
 
-/// Value of a hexadecimal digit of either case, -1 for any other character.
-static int digitValue(char c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    return -1;
+/// The byte that two hexadecimal digits of either case stand for, if they are such.
+static std::optional<char> byteOf(char high, char low) {
+    const std::array<char, 2> pair{high, low};
+    unsigned char byte = 0;
+    const auto [end, error] = std::from_chars(pair.data(), pair.data() + pair.size(), byte, 16);
+    if (error != std::errc{} || end != pair.data() + pair.size())
+        return std::nullopt;
+    return static_cast<char>(byte);
 }
 
 ReplyParser::ReplyParser(bool raw, QByteArray& data) : raw_(raw), data_(data) {
@@ -67,15 +68,14 @@ void ReplyParser::takePair(char byte) {
         pendingDigit_ = byte;
         return;
     }
-    const int high = digitValue(pendingDigit_);
-    const int low = digitValue(byte);
-    if (high < 0 || low < 0)
+    const std::optional<char> value = byteOf(pendingDigit_, byte);
+    if (!value)
         throw RuntimeFailure(failure::kTypeMismatch,
                              textByOffset({u"The reply is damaged: characters %1 and %2 are no hexadecimal pair",
                                            u"応答が壊れています: %1文字目と%2文字目が16進数ではありません"})
                                  .arg(count_ - 1)
                                  .arg(count_));
-    store(static_cast<char>(high * 16 + low));
+    store(*value);
 }
 
 void ReplyParser::store(char byte) {
