@@ -21,7 +21,7 @@ QString gIfuVersion;
 
 namespace {
 
-/// Whether the identification goes on; every way in which it cannot either ends the program or stops it quietly.
+/// Whether the identification goes on. If not, it stops quietly, or the program ends.
 bool readStatus() {
     QByteArray reply;
     const QString result = fncReadUnitStatus(kReadStatus, reply);

@@ -15,7 +15,7 @@ extern QString gIfuVersion;
 
 /// Identifies interface unit and sensor amplifier over the open port and fills the four texts above and gUnitNo.
 ///
-/// Shows what is wrong with the connected units and ends the program, where there is nothing sensible to do. A run-time
+/// Says what is wrong with the connected units and ends the program if it cannot work with them. A run-time
 /// failure is reported, and the identification stops there. Called by the start-up form only.
 void subGetUnitInfo();
 

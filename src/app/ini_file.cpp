@@ -18,7 +18,7 @@
 QStringList gListItems;
 
 QString iniText(const QByteArray& bytes) {
-    // A decoder takes an incomplete character at the end for one whose rest is still to come.
+    // The decoder does not count an incomplete character at the end as an error.
     return bytes.isValidUtf8() ? QStringDecoder(QStringDecoder::Utf8).decode(bytes)
                                : QStringDecoder("windows-31j").decode(bytes);
 }
@@ -38,7 +38,7 @@ static QByteArray readFile(const QString& path) {
     RegularFile file(path);
     if (!file.exists())
         return {};
-    // A pipe would be waited for, a device be read without end.
+    // A pipe would block, and a device may have no end.
     if (!QFileInfo(file).isFile())
         fail(textByOffset({u"this is no file", u"ファイルではありません"}));
     if (!file.open(QIODevice::ReadOnly))

@@ -22,7 +22,7 @@ static QString trapped(Command command) {
         command(result);
         return result;
     } catch (...) {
-        // The box has no place for the cause, so that it is said here.
+        // The message box has no room for the cause.
         complain(currentFailure());
         if (trimBlanks(result).isEmpty())
             fncMsgBox(IDS_MSGERR_COMM_TIMEOUT, kCritical, result);

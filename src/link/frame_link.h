@@ -16,7 +16,7 @@ extern int gintCommRetry;
 
 /// Sends `command` in a frame and collects the reply.
 ///
-/// Waits first for an exchange that a failure has left marked as in progress, for at most gWaits.exchangeMark, and
+/// First waits for an exchange that a failure has left marked as in progress, for at most gWaits.exchangeMark, and
 /// serves window events meanwhile.
 /// @param command  command text, ASCII; sent in upper case
 /// @param raw      true: each data character of the reply is one byte; false: two hexadecimal digits are one byte

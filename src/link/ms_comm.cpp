@@ -134,7 +134,7 @@ void MSComm::open(const QString& settings) {
     if (descriptor_ < 0)
         fail("open", errno);
     if (const int error = claim(descriptor_); error != 0) {
-        // Not close(): that would drop the output and the mark of the program that has the port.
+        // Not close(), which would drop the output and the mark of the program that owns the port.
         ::close(std::exchange(descriptor_, -1));
         fail("claim", error);
     }
@@ -187,7 +187,7 @@ void MSComm::setLine() const {
 void MSComm::close() {
     if (!isOpen())
         return;
-    // Else the system would go on sending, and hold the program until all is sent.
+    // Otherwise closing would block until the output has drained.
     discardOutput();
     // The mark stays while another program has the port open. On a pseudo-terminal it is not ours.
     if (!isPseudoTerminal(descriptor_))

@@ -1,4 +1,4 @@
-/// The words of the units' protocol: what the commands and response codes mean. Nowhere else stands such a code.
+/// The words of the units' protocol: what the commands and response codes mean. No other file contains such a code.
 #pragma once
 
 #include <QLatin1String>

@@ -1,4 +1,4 @@
-/// The one way in which the program ends.
+/// The only way the program ends.
 #pragma once
 
 #include <functional>

@@ -60,7 +60,7 @@ static int inhibit(DBusConnection* bus, const char* what) {
     return descriptor;
 }
 
-/// Takes all inhibitions, each for itself: logind may refuse a user one of them.
+/// Takes each inhibition separately, as logind may refuse a user some of them.
 static void takeAll(SleepInhibitor::Locks& locks) {
     DBusConnection* bus = dbus_bus_get_private(DBUS_BUS_SYSTEM, nullptr);
     if (bus == nullptr)
@@ -76,10 +76,10 @@ static void takeAll(SleepInhibitor::Locks& locks) {
     dbus_connection_unref(bus);
 }
 
-/// The one thread that asks. A bus that does not answer holds it for good.
+/// The only thread that talks to logind. A bus that never answers blocks it for good.
 class Asker {
 public:
-    /// Lets the thread take `locks`, after those at which it is now.
+    /// Queues `locks` behind those that the thread is working on.
     void ask(std::shared_ptr<SleepInhibitor::Locks> locks) {
         const std::scoped_lock lock(mutex_);
         next_ = std::move(locks);
@@ -89,7 +89,7 @@ public:
             std::thread([this] { run(); }).detach();
             runs_ = true;
         } catch (const std::system_error&) {
-            // No thread is to be had: the transfer does without.
+            // No thread available: the transfer goes on without inhibitors.
             next_.reset();
         }
     }

@@ -5,7 +5,7 @@
 #include <poll.h>
 #include <unistd.h>
 
-/// A pipe that takes bytes at all takes so many at once.
+/// A writable pipe accepts at least this many bytes.
 static constexpr qsizetype kMaxLine = 512;
 
 /// `line` without what a terminal would obey: it may quote bytes of a unit, or the target of a link.
@@ -23,7 +23,7 @@ void complain(const QString& line) {
         (void)!::write(STDERR_FILENO, bytes.constData(), static_cast<std::size_t>(bytes.size()));
 }
 
-/// A standard stream that is closed would lend its number to the next file, which may be the port.
+/// A closed standard stream would pass its descriptor number to the next file opened, which may be the port.
 static void openClosedStreams() {
     int descriptor = 0;
     while (descriptor >= 0 && descriptor <= STDERR_FILENO)

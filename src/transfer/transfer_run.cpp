@@ -22,7 +22,7 @@ static_assert(kImageSize == XmodemSender::kPackets * kBlockSize, "an image fills
 
 namespace {
 
-/// Keeps ticks, bytes and clicks out of what runs, as its boxes and waits serve events.
+/// Blocks ticks, bytes and clicks while a step runs: its boxes and waits serve events.
 class Busy {
 public:
     explicit Busy(TransferLine& line) : line_(line) {
@@ -31,7 +31,7 @@ public:
     }
     ~Busy() {
         busy = false;
-        // Only blocks and EOTs are worked on at once. What closes a run waits for the tick: the line is quiet by then.
+        // Only blocks and EOTs are handled at once. Closing a run waits for the tick, when the line is quiet.
         line_.holdInput(state != kReceivingBlocks && state != kAwaitingSecondEot);
     }
     Busy(const Busy&) = delete;
@@ -185,7 +185,7 @@ TransferState TransferRun::receiveBlock() {
     }
 }
 
-/// Appends the data of the block that has come to gReadBuf, as far as that has room.
+/// Appends the data of the received block to gReadBuf, as far as there is room.
 void TransferRun::subStoreBlock() {
     const QByteArray data = receiver_->data().left(gReadBuf.size() - readCount_);
     std::copy(data.begin(), data.end(), gReadBuf.begin() + readCount_);
@@ -228,7 +228,7 @@ TransferState TransferRun::closeRead() {
 TransferState TransferRun::closeReadBack() {
     endTransfer();
     finish(/*resumes*/ true, [this] {
-        // What has not been read is 0 in the buffer, as it may be in the image.
+        // Bytes that were never read are 0 in the buffer, as they may be in the image.
         const bool same = readCount_ >= kImageSize && fncCompareImage() == 0;
         const QString title = textByLanguage({u"Dravolt", u"ドラボルト"});
         if (same)

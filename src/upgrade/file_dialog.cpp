@@ -18,8 +18,7 @@ static void makeRoom(QFileDialog& dialog) {
         files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
 }
 
-/// Qt's dialog would write the folders that it has shown into a file of the user's: the program writes none but its
-/// own.
+/// Qt's dialog saves the folders that it has shown in a settings file of the user; the program writes only its own.
 static void keepNoHistory() {
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
 }

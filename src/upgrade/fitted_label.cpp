@@ -9,7 +9,7 @@
 #include <QToolTip>
 
 FittedLabel::FittedLabel(QWidget* parent) : QLabel(parent) {
-    // Else the accessible text of a name with "<" or "&" would be another one than the painted.
+    // Otherwise the accessible text of a name with "<" or "&" would differ from the painted one.
     setTextFormat(Qt::PlainText);
 }
 

@@ -163,7 +163,7 @@ void frmMain::subSetWindowTexts() {
         setWindowTitle(text(IDS_FRMMAIN_CAPTION));
         applyControlTexts(*this, kMainTexts);
     });
-    // The rows would show in the system's font otherwise, beside headings in the catalogue's.
+    // Otherwise the rows would be in the system font, beside headings in the catalogue's.
     for (QLabel* label : lblTitle)
         setCatalogueFont(*label);
     for (QLabel* label : lblVersion)

@@ -11,7 +11,7 @@
 
 #include <algorithm>
 
-/// The window that a box speaks of: the one in use, else any that is visible.
+/// The window that a box belongs to: the active one, otherwise any visible one.
 static QWidget* ownerWindow() {
     if (QWidget* modal = QApplication::activeModalWidget())
         return modal;

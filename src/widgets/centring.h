@@ -1,4 +1,4 @@
-/// Where windows open that have no other to stand on.
+/// Placement of windows without an owner.
 #pragma once
 
 class QWidget;
