@@ -1,8 +1,8 @@
 /// Soak run: upgrades and saves without end in one process, with random faults; nothing may grow.
 ///
 /// usage: soak ROUNDS SEED
+#include "support/main_window_rig.h"
 #include "sweep/fault_kinds.h"
-#include "upgrade/main_window_fixture.h"
 
 #include <QAbstractEventDispatcher>
 #include <QDir>
@@ -34,17 +34,12 @@ void print(const char* when, const Footprint& now) {
                 static_cast<int>(now.files), static_cast<int>(now.windows), now.wakeUps);
 }
 
-class Soak : public MainWindowTest {
+class Soak : public MainWindowRig {
 public:
     explicit Soak(unsigned seed) : random_(seed) {
-        gWaits.reply = gWaits.exchangeMark = 100ms;
-        gWaits.operationReply = 150ms;
-        gWaits.transferStart = 600ms;
-        gWaits.packetAnswer = 150ms;
-        gWaits.readSilence = 300ms;
+        waitAsInReality();
         window.showServiceControls();
     }
-    void TestBody() override {}
 
     Footprint footprint() {
         // What belongs to the last round must not count.
@@ -99,15 +94,11 @@ private:
                 wrong.push_back((write ? "write, " : "save, ") + fault + ": " + what);
         };
         require(state() == kReady && !TransferRun::isRunning(), "the window is not usable");
-        const auto done = [&] {
-            return write ? readFile("image.bin") == firmware(unit)
-                         : readFile("saved.bin") ==
-                               firmware(unit).left(options.uploadBlocks * 128).leftJustified(kImageSize, '\0');
-        };
+        const auto done = [&] { return write ? readFile("image.bin") == firmware(unit) : isSaved("saved.bin", unit); };
         if (fault.empty())
             require(success && done(), "fails without a fault");
         else if (write && success)
-            require(waitServingEvents(3s, done), "succeeds without the image");
+            require(waitServingEvents(30s, done), "succeeds without the image");
     }
 
     std::string randomFault(bool write, const std::string& unit) {

@@ -11,25 +11,30 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 /// Thrown in the place of the program's end.
 struct ProgramEnded {};
 
-/// Fresh state for each test: an empty program folder, Japanese without any form's texts applied, no port.
-class ProgramTest : public testing::Test {
-protected:
-    ProgramTest() {
+/// Fresh state: an empty program folder, Japanese without any form's texts applied, no port.
+class ProgramRig {
+public:
+    ProgramRig() {
         setProgramFolder(folder_.path());
         setProgramEnd([] { throw ProgramEnded{}; });
         gLanguage = 0;
         gLangOffset = 0;
     }
-    ~ProgramTest() override { setProgramEnd({}); }
+    ~ProgramRig() { setProgramEnd({}); }
+    ProgramRig(const ProgramRig&) = delete;
+    ProgramRig& operator=(const ProgramRig&) = delete;
 
     QString file(const QString& name) const { return folder_.filePath(name); }
 
     void writeFile(const QString& name, const QByteArray& content) const {
         QFile target(file(name));
-        ASSERT_TRUE(target.open(QIODevice::WriteOnly)) << name.toStdString();
+        if (!target.open(QIODevice::WriteOnly))
+            throw std::runtime_error("cannot write " + name.toStdString());
         target.write(content);
     }
 
@@ -42,9 +47,12 @@ protected:
     void linkPort(int number, const QString& device) const {
         const QString link = file(QString("com%1").arg(number));
         QFile::remove(link);
-        ASSERT_TRUE(QFile::link(device, link));
+        if (!QFile::link(device, link))
+            throw std::runtime_error("cannot link " + link.toStdString());
     }
 
 private:
     QTemporaryDir folder_;
 };
+
+class ProgramTest : public testing::Test, protected ProgramRig {};

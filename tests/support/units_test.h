@@ -9,13 +9,17 @@
 #include "support/program.h"
 #include "support/user.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+#include <utility>
+
 using namespace std::chrono_literals;
 
 /// @tparam Operator  who answers the message boxes: User, or BoxOperator where boxes are windows
 template <class Operator>
-class UnitsTestWith : public ProgramTest {
-protected:
-    UnitsTestWith() {
+class UnitsRigWith : public ProgramRig {
+public:
+    UnitsRigWith() {
         gLanguage = 1;
         gLangOffset = 10000;
         gUnitNo = kSensorAmplifier;
@@ -23,8 +27,9 @@ protected:
         options.timing.startInterval = 50ms;
     }
 
-    ~UnitsTestWith() override {
+    ~UnitsRigWith() {
         subPortClose();
+        ::close(heldPort_);
         gblnCommBusy = false;
         gintCommRetry = 0;
         gWaits = Waits{};
@@ -37,13 +42,15 @@ protected:
         options.faults = faults;
         std::erase(options.faults, "");
         simulator = std::make_unique<units::Simulator>(options);
+        ::close(std::exchange(heldPort_, ::open(simulator->port().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC)));
         linkPort(1, QString::fromStdString(simulator->port()));
     }
 
     /// The same, and opens their port.
     void unitsWith(const std::vector<std::string>& faults) {
         plug(faults);
-        ASSERT_TRUE(fncPortOpen(1, QStringLiteral("38400,n,8,1")));
+        if (!fncPortOpen(1, QStringLiteral("38400,n,8,1")))
+            throw std::runtime_error("cannot open the port of the units");
     }
 
     std::vector<std::string> requests() const { return simulator->requests(); }
@@ -57,6 +64,13 @@ protected:
     units::Options options;
     std::unique_ptr<units::Simulator> simulator;
     Operator user;
+
+private:
+    /// Else the number of a port that has gone could come to the units of a test that runs beside this one.
+    int heldPort_ = -1;
 };
+
+template <class Operator>
+class UnitsTestWith : public testing::Test, protected UnitsRigWith<Operator> {};
 
 using UnitsTest = UnitsTestWith<User>;

@@ -7,23 +7,24 @@
 
 using FaultKinds = std::vector<std::string>;
 
-/// What can happen at a place. "delay:400" is later than the program waits anywhere in these sessions.
+/// What can happen at a place. "delay:300" is later than the program waits without serving window events, "delay:12000"
+/// later than it waits for any answer.
 inline FaultKinds faultKindsAt(std::string_view where) {
-    const auto kindsWith = [](FaultKinds kinds) {
-        for (const char* everywhere : {"lost", "delay:20", "repeat", "unplug", "unplugafter"})
-            kinds.emplace_back(everywhere);
+    FaultKinds kinds{"lost", "delay:300", "repeat", "unplug", "unplugafter"};
+    const auto with = [&kinds](const FaultKinds& more) {
+        kinds.insert(kinds.end(), more.begin(), more.end());
         return kinds;
     };
     if (where == "start")
-        return kindsWith({"answer:39", "can:2", "noise:39"});
+        return with({"answer:39", "can:2", "noise:39"});
     if (where == "eot")
-        return kindsWith({"silence", "delay:400", "answer:39", "nak", "can:2", "noise:39"});
+        return with({"silence", "delay:12000", "answer:39", "nak", "can:2", "noise:39"});
     if (where.starts_with("eot"))
-        return kindsWith({"delay:400", "answer:39", "can:2", "noise:39"});
+        return with({"delay:12000", "answer:39", "can:2", "noise:39"});
     if (where.starts_with("packet"))
-        return kindsWith({"silence", "delay:400", "answer:39", "nak", "can:2", "noise:39", "unplugin"});
+        return with({"silence", "delay:12000", "answer:39", "nak", "can:2", "noise:39", "unplugin"});
     if (where.starts_with("block"))
-        return kindsWith({"delay:400", "bcc", "garble", "cut:70", "number:77", "can:2", "noise:39", "unplugin"});
-    return kindsWith({"silence", "delay:400", "bcc", "garble", "cut:3", "cut:12", "endcode:11", "response:2203",
-                      "noise:00ff39", "unplugin"});
+        return with({"delay:12000", "bcc", "garble", "cut:70", "number:77", "can:2", "noise:39", "unplugin"});
+    return with({"silence", "delay:12000", "bcc", "garble", "cut:3", "cut:12", "endcode:11", "response:2203",
+                 "noise:00ff39", "unplugin"});
 }

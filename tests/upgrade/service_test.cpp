@@ -1,4 +1,4 @@
-#include "upgrade/main_window_fixture.h"
+#include "support/main_window_rig.h"
 
 #include <QCheckBox>
 

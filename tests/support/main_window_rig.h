@@ -19,9 +19,9 @@
 
 #include <functional>
 
-class MainWindowTest : public UnitsTestWith<BoxOperator> {
-protected:
-    MainWindowTest() {
+class MainWindowRig : public UnitsRigWith<BoxOperator> {
+public:
+    MainWindowRig() {
         QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
         writeFile("TYPE.INI", "[AMP_TYPE]\n0A=12000,AMP-A,x,22000,AMP-B\n"
                               "[AMP_BIN_TYPE]\nAMPKEY=0A\nｱﾝﾌﾟ=0A\nBOTH=0A\nNULL=0A\n"
@@ -71,13 +71,13 @@ protected:
     void save(const QString& name) {
         chooseInDialog(name);
         button("cmdPresent").click();
-        waitServingEvents(30s, [] { return !TransferRun::isRunning(); });
+        awaitEnd();
     }
 
     /// Presses "Start upgrade" and lets the run come to its end.
     void upgrade() {
         button("cmdUpgrade").click();
-        waitServingEvents(30s, [] { return !TransferRun::isRunning(); });
+        awaitEnd();
     }
 
     /// What the operator can do, and the cursor that the screen shows over the window, whatever the widgets ask for.
@@ -104,5 +104,27 @@ protected:
         return nullptr;
     }
 
+    /// Whether the file is what an upload of `unit` saves.
+    bool isSaved(const QString& name, units::Unit unit) const {
+        return readFile(name) == firmware(unit).left(options.uploadBlocks * kBlockSize).leftJustified(kImageSize, '\0');
+    }
+
+    /// Lets program and units wait as long as they really do: for tests on a clock that jumps over idle time.
+    void waitAsInReality() {
+        gWaits = Waits{};
+        longestRun_ = 5min;
+        // A unit that gives up as soon as the program repeats itself could do so a moment before.
+        options.timing = units::Timing{.packetWait = 15s};
+    }
+
     frmMain window;
+
+private:
+    void awaitEnd() {
+        waitServingEvents(longestRun_, [] { return !TransferRun::isRunning(); });
+    }
+
+    std::chrono::milliseconds longestRun_ = 30s;
 };
+
+class MainWindowTest : public testing::Test, protected MainWindowRig {};

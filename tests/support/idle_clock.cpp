@@ -1,0 +1,113 @@
+/// A monotonic clock that jumps over idle time, for test programs that link it. Program and simulated units wait as
+/// long as they really do, and no test waits with them: as soon as both sleep, and nothing has come for either, the
+/// clock is at the end of the nearer wait. So no load can make one of them too late for the other.
+///
+/// The functions at the end come in the place of the C library's, for the program, the simulator and Qt. No thread but
+/// those two calls ppoll().
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <cstdlib>
+#include <ctime>
+#include <dlfcn.h>
+#include <limits>
+#include <mutex>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+constexpr std::int64_t kSecond = 1'000'000'000;
+constexpr std::int64_t kNever = std::numeric_limits<std::int64_t>::max();
+
+std::atomic<std::int64_t> jumped = 0;  ///< nanoseconds
+
+std::int64_t now() {
+    timespec time{};
+    clock_gettime(CLOCK_MONOTONIC, &time);
+    return time.tv_sec * kSecond + time.tv_nsec;
+}
+
+/// poll() of the kernel. `wait` in nanoseconds
+int kernelPoll(std::vector<pollfd>& awaited, std::int64_t wait) {
+    const timespec timeout{wait / kSecond, wait % kSecond};
+    return static_cast<int>(
+        syscall(SYS_ppoll, awaited.data(), awaited.size(), wait == kNever ? nullptr : &timeout, nullptr, 8));
+}
+
+/// One of the two threads.
+struct Sleeper {
+    const int alarm = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);  ///< ends a wait over whose end the clock has jumped
+    bool sleeps = false;
+    std::int64_t until = kNever;
+    std::vector<pollfd> awaited{};  ///< the alarm last
+
+    bool hasWork() {
+        std::vector<pollfd> looked = awaited;
+        return kernelPoll(looked, 0) != 0;
+    }
+};
+
+std::mutex mutex;
+std::array<Sleeper, 2> sleepers;  // the program, the units
+
+/// GLib would wait with poll().
+[[maybe_unused]] const int kNoGlib = setenv("QT_NO_GLIB", "1", 1);
+
+/// Both sleep and nothing has come: the clock goes to the end of the nearer wait.
+void jump() {
+    for (Sleeper& sleeper : sleepers)
+        if (!sleeper.sleeps || sleeper.hasWork())
+            return;
+    Sleeper& next = sleepers[0].until < sleepers[1].until ? sleepers[0] : sleepers[1];
+    if (next.until == kNever)
+        return;
+    jumped += std::max<std::int64_t>(next.until - now(), 0);
+    eventfd_write(next.alarm, 1);
+}
+
+}  // namespace
+
+extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept {
+    static const auto kernels = reinterpret_cast<int (*)(clockid_t, timespec*)>(dlsym(RTLD_NEXT, "clock_gettime"));
+    const int result = kernels(clock, time);
+    if (clock == CLOCK_MONOTONIC && result == 0) {
+        const std::int64_t sum = time->tv_sec * kSecond + time->tv_nsec + jumped;
+        *time = {sum / kSecond, sum % kSecond};
+    }
+    return result;
+}
+
+extern "C" int ppoll(pollfd* polled, nfds_t count, const timespec* timeout, const sigset_t*) {
+    // Who is at work answers within a millisecond as a rule, and spares both the bookkeeping.
+    constexpr std::int64_t kAtWork = kSecond / 1'000;
+    thread_local Sleeper& self = sleepers[gettid() == getpid() ? 0 : 1];
+    std::vector<pollfd> awaited(polled, polled + count);
+    const std::int64_t wait = timeout == nullptr ? kNever : timeout->tv_sec * kSecond + timeout->tv_nsec;
+    const std::int64_t end = timeout == nullptr ? kNever : now() + wait;
+    int ready = kernelPoll(awaited, std::min(wait, kAtWork));
+    if (ready == 0 && wait > kAtWork) {
+        awaited.push_back({self.alarm, POLLIN, 0});
+        {
+            const std::lock_guard lock(mutex);
+            self.awaited = awaited;
+            self.until = end;
+            self.sleeps = true;
+            jump();
+        }
+        ready = kernelPoll(awaited, wait);
+        const std::lock_guard lock(mutex);
+        self.sleeps = false;
+        eventfd_t rung = 0;
+        if (eventfd_read(self.alarm, &rung) == 0 && awaited.back().revents != 0)
+            --ready;
+    }
+    for (nfds_t i = 0; i < count; ++i)
+        polled[i].revents = awaited[i].revents;
+    return ready;
+}
