@@ -13,13 +13,14 @@
 
 namespace {
 
-/// First byte: the raw send at which the port fails, an eighth of its number; 0: none. Then what happens next.
+/// First byte of its script: the raw send at which the port fails, an eighth of its number; 0: none.
 class HostileUnit final : public MemoryLine {
 public:
     HostileUnit(Input& script, QStringList& told) : MemoryLine(told), script_(script) {
         failsAtSend = script_.byte() * 8U;
         for (qsizetype number = 0; number < 1'922; ++number)
             input.push_back(QByteArray::fromHex("010000") + gImageBuf.mid(128 * number, 128).leftJustified(129));
+        // To 0xEF: any byte; above: nothing in time.
         answer = [this, good = answer]() -> std::optional<char> {
             const std::uint8_t what = next();
             if (what < 0xE0)
@@ -28,21 +29,15 @@ public:
         };
     }
 
-    /// 0 to 0xDF: carried out; to 0xEF: refused; above: no reply.
+    /// 0 to 0xDF: carried out; above: refused.
     QString operation(const QString& code, int unit) override {
         require(unit == kInterfaceUnit, "a run keeps its unit");
         MemoryLine::operation(code, unit);
-        const std::uint8_t what = script_.byte();
-        return what < 0xE0 ? QString(kNormalEnd) : what < 0xF0 ? QStringLiteral("2203") : QString(kNoReply);
+        return script_.byte() < 0xE0 ? QString(kNormalEnd) : QStringLiteral("2203");
     }
-    /// The next block; to 0xEF: any bytes; to 0xFE: EOT; above: nothing.
+    /// The next block; above: any bytes, after their number.
     QByteArray received() override {
-        const std::uint8_t what = next();
-        if (what < 0xE0)
-            return MemoryLine::received();
-        if (what < 0xF0)
-            return QByteArray::fromStdString(script_.bytes(script_.byte()));
-        return what < 0xFF ? QByteArray(1, kEot) : QByteArray();
+        return next() < 0xE0 ? MemoryLine::received() : QByteArray::fromStdString(script_.bytes(script_.byte()));
     }
 
 private:
@@ -71,8 +66,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     const std::uint8_t mode = input.byte();
     const bool saves = (mode & 1) != 0;
     const TransferJob job{.unit = kInterfaceUnit, .verificationTicked = (mode & 2) != 0, .file = "/dev/null/never"};
-    gImageBuf.fill('\0', kImageSize + 1);
-    gImageBuf.replace(1'000, 4, "data");
+    gImageBuf = QByteArray("firmware").leftJustified(kImageSize + 1, '\0');
     QStringList told;
     gLanguage = 1;
     setMessageBoxes([&told](const MessageBox& box) {
@@ -89,7 +83,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
             run.cancel();
         unit.tick();
     }
-    setMessageBoxes({});
     require(!unit.ticks(), "no ticks after the end");
     require(screen.onlyRises, "progress only rises, to the size of an image");
     require(told.count("release") == 1 && told.count("cursor") == 1, "a run is closed once");
@@ -97,8 +90,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     require(results == (saves && job.verificationTicked ? 0 : 1), "it says how it went, once");
     if (saves || !told.contains("Succeed"))
         return 0;
-    const bool isSent = std::count(unit.sent.begin(), unit.sent.end(), QByteArray(1, kEot)) > 0;
-    require(isSent, "a write that succeeds goes to its end");
+    require(std::count(unit.sent.begin(), unit.sent.end(), "\x04") > 0, "a write that succeeds goes to its end");
     const bool hasComeBack = unit.input.size() == 2 && gReadBuf == gImageBuf;
     require(!job.verificationTicked || hasComeBack, "a verification succeeds over what has come back");
     return 0;

@@ -1,14 +1,12 @@
 #include "simulator/block_sender.h"
 #include "simulator/command_machine.h"
+#include "simulator/image.h"
 #include "simulator/packet_receiver.h"
-#include "simulator/simulator.h"
 #include "tests/simulator/frames.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <regex>
 #include <sstream>
-#include <unistd.h>
 
 namespace units::test {
 
@@ -159,31 +157,6 @@ TEST(Units, ComplainOfWhatDoesNotBelongToATransfer) {
         Transfer units;
         feed(units.upload, bytes);
         EXPECT_EQ(units.journal.violations(), complaints) << hexDump(bytes);
-    }
-}
-
-TEST(Units, ComplainOfWhatGoesWrongAtThePort) {
-    struct Case {
-        LineState settings;
-        Bytes written;
-        const char* complaint;
-    };
-    const Case cases[] = {
-        {LineState::raw, requestFrame("0601") + Bytes(12, kStx), "12 bytes before the answer was complete"},
-        {LineState::fresh, {'\n'}, "port not raw"},
-        {LineState::hostile, {'\n'}, "port set to another speed than 38400"},
-    };
-    for (const Case& c : cases) {
-        Options options;
-        options.lineState = c.settings;
-        options.expectSpeed = 38400;
-        Simulator simulator(options);
-        const int port = open(simulator.port().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
-        EXPECT_EQ(write(port, c.written.data(), c.written.size()), static_cast<ssize_t>(c.written.size()));
-        for (int i = 0; i < 500 && simulator.violations().empty(); ++i)
-            usleep(10'000);
-        close(port);
-        EXPECT_TRUE(simulator.hasNoted(std::string("VIOLATION: ") + c.complaint)) << c.complaint;
     }
 }
 
