@@ -1,9 +1,10 @@
 #include "ports/access.h"
 #include "ports/command_line.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <pty.h>
 #include <regex>
 #include <sstream>
 #include <unistd.h>
@@ -18,8 +19,8 @@ class Ports : public ::testing::Test {
 protected:
     Ports() {
         ::setenv("LC_ALL", "C", 1);
-        EXPECT_EQ(::openpty(&master_, &slave_, nullptr, nullptr, nullptr), 0);
-        terminal = ::ttyname(slave_);
+        EXPECT_EQ(::unlockpt(master_), 0);
+        terminal = ::ptsname(master_);
         fs::create_directories(machine.folder);
         shell("terminal=" + terminal + R"(
             device() {
@@ -44,7 +45,6 @@ protected:
     }
 
     ~Ports() override {
-        ::close(slave_);
         ::close(master_);
         fs::remove_all(root);
     }
@@ -57,34 +57,20 @@ protected:
     /// Text without the machine's root in its paths.
     std::string shown(const std::string& text) const { return std::regex_replace(text, std::regex(root.string()), ""); }
 
-    /// The exit status; what was written is in `output`.
-    int run(const std::vector<std::string>& arguments) {
+    /// The first sentence of what is said, the exit status, and where COM3 leads then. All that is said is in `output`.
+    std::string run(const std::vector<std::string>& arguments) {
         std::ostringstream out;
         Output screen(out);
         const int status = ports::run(machine, arguments, screen, screen);
         output = shown(out.str());
-        return status;
+        std::error_code none;
+        const fs::path own = machine.folder / "ports/com3";
+        const fs::path com3 = fs::read_symlink(fs::is_symlink(own) ? own : machine.folder / "com3", none);
+        const std::string sentence = output.substr(0, std::min(output.find(". "), output.find('\n')));
+        return sentence + " | " + std::to_string(status) + " | " + shown(com3);
     }
 
     bool says(const std::string& text) const { return output.find(text) != std::string::npos; }
-
-    struct Step {
-        std::vector<std::string> arguments;
-        int status;
-        std::string said;
-        std::string com3 = "";  ///< where the link of COM3 leads then; empty: there is none
-    };
-
-    void expect(const std::vector<Step>& steps) {
-        for (const Step& step : steps) {
-            EXPECT_EQ(run(step.arguments), step.status) << step.said;
-            EXPECT_TRUE(says(step.said)) << step.said << " is not in\n" << output;
-            std::error_code none;
-            const fs::path own = machine.folder / "ports/com3";
-            const fs::path link = fs::is_symlink(own) ? own : machine.folder / "com3";
-            EXPECT_EQ(shown(fs::read_symlink(link, none)), step.com3) << step.said;
-        }
-    }
 
     const fs::path root = fs::path(::testing::TempDir()) / ("ports_" + std::to_string(::getpid()));
     const Machine machine{root, root / "programs"};
@@ -93,8 +79,7 @@ protected:
     std::string output;
 
 private:
-    int master_ = -1;
-    int slave_ = -1;
+    const int master_ = ::posix_openpt(O_RDWR | O_NOCTTY);
 };
 
 TEST_F(Ports, AreListedWithTheirUsersAndWhatMayDisturbThem) {
@@ -104,7 +89,7 @@ TEST_F(Ports, AreListedWithTheirUsersAndWhatMayDisturbThem) {
         echo minicom >proc/4321/comm; echo ModemManager >proc/17/comm; echo brltty >proc/18/comm
         echo E:ID_MM_PORT_IGNORE=1 >run/udev/data/c188:10
         ln -s $PWD/dev/serial/by-id/usb-FTDI-A5 programs/com2; ln -s $PWD/dev/ttyUSB7 programs/com16)");
-    EXPECT_EQ(run({}), 0);
+    EXPECT_EQ(run({}), "/dev/ttyS0  COM1 without a link | 0 | ");
     const std::string free = "\n    not in use, as far as user " + userName() + " can see\n    you may open it\n\n";
     EXPECT_EQ(output.substr(0, output.find(". Link it")),
               "/dev/ttyS0  COM1 without a link\n    serial port of this computer, driver serial" + free +
@@ -125,46 +110,52 @@ What is missing:
     run({});
     EXPECT_TRUE(says("点字サービス brltty が動作しています")) << output;
     fs::remove_all(root / "sys/class/tty");
-    EXPECT_EQ(run({}), 1) << "no serial device";
+    EXPECT_EQ(run({}), "/programs の COM リンク: | 1 | ") << "no serial device";
 }
 
 TEST_F(Ports, HaveTheirNamesShownAndNotSentToTheTerminal) {
-    const std::pair<std::string, std::string> names[] = {
-        {"ポート–é😀", "ポート–é😀"},
-        {"\x1b[2J\t\n\x7f", R"(\x1b[2J\x09\x0a\x7f)"},
-        {"\u009b2J\x9b", R"(\xc2\x9b2J\x9b)"},                                  // control characters beyond ASCII
-        {"a\u202e\u200bb\u2066", R"(a\xe2\x80\xae\xe2\x80\x8bb\xe2\x81\xa6)"},  // right to left, no width
-        {"\xc1\x81\xe0\x82\xa9\xf4\x90\x80\x80", R"(\xc1\x81\xe0\x82\xa9\xf4\x90\x80\x80)"},  // too long, too large
-        {"\xe3\x83", R"(\xe3\x83)"},                                                          // cut short
+    struct Case {
+        const char* kind;
+        std::string name;
+        std::string shown;
     };
-    for (const auto& [name, shown] : names)
-        expect({{{"set", "3", name}, 1, "/dev/" + shown + ": there is no such device\n"}});
+    const Case cases[] = {
+        {"letters", "ポート–é😀", "ポート–é😀"},
+        {"controls", "\x1b[2J\t\n\x7f", R"(\x1b[2J\x09\x0a\x7f)"},
+        {"controls beyond ASCII", "\u009b2J\x9b", R"(\xc2\x9b2J\x9b)"},
+        {"right to left, no width", "a\u202e\u200bb\u2066", R"(a\xe2\x80\xae\xe2\x80\x8bb\xe2\x81\xa6)"},
+        {"too long, too large", "\xc1\x81\xe0\x82\xa9\xf4\x90\x80\x80", R"(\xc1\x81\xe0\x82\xa9\xf4\x90\x80\x80)"},
+        {"cut short", "\xe3\x83", R"(\xe3\x83)"},
+    };
+    for (const auto& [kind, name, shown] : cases)
+        EXPECT_EQ(run({"set", "3", name}), "dravolt-ports: /dev/" + shown + ": there is no such device | 1 | ") << kind;
 }
 
 TEST_F(Ports, AreLinkedByTheirStableNames) {
     shell("echo 'a file of the user' >programs/com4; mkdir -p programs/com3.new/in.the.way");
-    expect({
-        {{"remove", "3"}, 1, "COM3 has no link"},
-        {{"set", "3", "ttyUSB9"}, 0, "COM3 is now /dev/ttyUSB9.", "/dev/ttyUSB9"},
-        {{"set", "3", terminal}, 0, "COM3 is now " + stable + ".", stable},
-        {{"set", "3", "ttyUSB7"}, 1, "/dev/ttyUSB7: there is no such device", stable},
-        {{"set", "3", "/dev/null"}, 1, "/dev/null is no serial port", stable},
-        {{"set", "4", "ttyUSB9"}, 1, "/programs/com4 is no link", stable},
-        {{"remove", "4"}, 1, "/programs/com4 is no link", stable},
-        {{"set", "17", "ttyUSB9"}, 2, "wrong arguments", stable},
-        {{"remove", "3"}, 0, "COM3 has no link any more."},
-    });
+    EXPECT_EQ(run({"remove", "3"}), "dravolt-ports: COM3 has no link | 1 | ");
+    EXPECT_EQ(run({"set", "3", "ttyUSB9"}), "COM3 is now /dev/ttyUSB9 | 0 | /dev/ttyUSB9");
+    EXPECT_EQ(run({"set", "3", terminal}), "COM3 is now " + stable + " | 0 | " + stable);
+    EXPECT_EQ(run({"set", "3", "ttyUSB7"}), "dravolt-ports: /dev/ttyUSB7: there is no such device | 1 | " + stable);
+    EXPECT_EQ(run({"set", "3", "/dev/null"}), "dravolt-ports: /dev/null is no serial port | 1 | " + stable);
+    const std::string isNoLink = "dravolt-ports: /programs/com4 is no link; it stays as it is | 1 | " + stable;
+    EXPECT_EQ(run({"set", "4", "ttyUSB9"}), isNoLink);
+    EXPECT_EQ(run({"remove", "4"}), isNoLink);
+    EXPECT_EQ(run({"set", "17", "ttyUSB9"}),
+              "dravolt-ports: wrong arguments; see dravolt-ports --help | 2 | " + stable);
+    EXPECT_EQ(run({"remove", "3"}), "COM3 has no link any more. | 0 | ");
 }
 
 TEST_F(Ports, AreLinkedInAFolderOfTheirOwn) {
     shell("mkdir programs/ports; ln -s $PWD/dev/ttyUSB9 programs/com3");
-    expect({
-        {{}, 0, "/ports:\n    COM3 -> /dev/ttyUSB9\n        link: /programs/com3\n", "/dev/ttyUSB9"},
-        {{"set", "3", "ttyUSB10"}, 0, "COM3 is now " + stable, stable},
-        {{}, 0, "/ports:\n    COM3 -> " + stable + "\n        /programs/com3 is not used\n", stable},
-        {{}, 0, "/dev/ttyUSB10  COM3\n", stable},
-        {{"remove", "3"}, 0, "COM3 has no link any more."},
-    });
+    const std::string links = "COM links in /programs/ports:\n    COM3 -> ";
+    run({});
+    EXPECT_TRUE(says(links + "/dev/ttyUSB9\n        link: /programs/com3\n")) << output;
+    EXPECT_EQ(run({"set", "3", "ttyUSB10"}), "COM3 is now " + stable + " | 0 | " + stable);
+    run({});
+    EXPECT_TRUE(says(links + stable + "\n        /programs/com3 is not used\n")) << output;
+    EXPECT_TRUE(says("/dev/ttyUSB10  COM3\n")) << output;
+    EXPECT_EQ(run({"remove", "3"}), "COM3 has no link any more. | 0 | ") << "a removed port has no other link";
 }
 
 TEST_F(Ports, AreLinkedByTheirPlaceWhereAnotherAdapterCanHaveTheName) {
@@ -192,12 +183,12 @@ TEST_F(Ports, AreLinkedByTheirPlaceWhereAnotherAdapterCanHaveTheName) {
     for (const auto& [own, other, link] : cases) {
         SCOPED_TRACE("'" + own + "' beside '" + other + "'");
         shell("echo '" + other + "' >sys/devices/usb2/2-1/serial; echo '" + own + "' >sys/devices/usb2/2-2/serial");
-        expect({{{}, 0, "stable name " + link + (link == place ? ", of the place" : "\n")}});
         for (const std::string& device : {std::string("ttyUSB2"), root.string() + identity}) {
-            expect({{{"set", "3", device}, 0, "COM3 is now " + link, link}});
+            EXPECT_EQ(run({"set", "3", device}), "COM3 is now " + link + " | 0 | " + link);
             EXPECT_EQ(says("no serial number of its own"), link == place) << output;
         }
-        run({"remove", "3"});
+        run({});
+        EXPECT_TRUE(says("stable name " + link + (link == place ? ", of the place" : "\n"))) << output;
     }
 }
 
