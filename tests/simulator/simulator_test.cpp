@@ -31,12 +31,12 @@ static Bytes feed(Machine& machine, const Bytes& bytes) {
 struct Commands {
     explicit Commands(const std::string& fault) : faults({fault}) {}
 
-    /// @return the response code of the reply
+    /// @return the text of the reply, from the node number to the response code
     std::string ask(const std::string& command) {
         const Bytes reply = feed(machine, requestFrame(command));
         if (machine.over())
             machine.begin(Time{0});
-        return reply.size() < 15 ? std::string() : std::string(reply.begin() + 11, reply.begin() + 15);
+        return reply.size() < 15 ? std::string() : std::string(reply.begin() + 1, reply.begin() + 15);
     }
 
     FaultBook faults;
@@ -50,7 +50,7 @@ TEST(Units, RefuseUnknownCommands) {
          {"0502", "05011", "0101D30001000001", "0101D40002000001", "0101D40001000002", "0101D4000100000",
           "300550020000", "300550010C00", "300551010000", "300555010000", "30055001000", "3005500100000"}) {
         Commands units("lost@0601");
-        EXPECT_EQ(units.ask(command), "1001");
+        EXPECT_EQ(units.ask(command), "00000F" + command.substr(0, 4) + "1001");
         EXPECT_EQ(units.journal.violations(), std::vector{"unknown command '" + command + "'"});
     }
 }
@@ -73,8 +73,8 @@ TEST(Units, KeepTheOrderOfOperations) {
             std::string shown;
             for (const char digit : std::regex_replace(order, std::regex("!"), "")) {
                 const char* tail = digit == '1' || digit == '2' ? "010C00" : "010000";
-                const std::string response = units.ask(std::string("30055") + digit + tail);
-                shown += response == "1003" ? digit + std::string("!") : std::string(1, digit);
+                const bool isRefused = units.ask(std::string("30055") + digit + tail).ends_with("1003");
+                shown += isRefused ? digit + std::string("!") : std::string(1, digit);
             }
             EXPECT_EQ(shown, order) << c.fault;
             EXPECT_EQ(units.journal.violations().empty(), shown.find('!') == std::string::npos) << c.fault << order;
