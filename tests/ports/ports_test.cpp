@@ -1,8 +1,11 @@
+#include "ports/access.h"
 #include "ports/command_line.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <pty.h>
+#include <regex>
 #include <sstream>
 #include <unistd.h>
 
@@ -16,9 +19,10 @@ class Ports : public ::testing::Test {
 protected:
     Ports() {
         ::setenv("LC_ALL", "C", 1);
+        EXPECT_EQ(::unlockpt(master_), 0);
+        terminal = ::ptsname(master_);
         fs::create_directories(machine.folder);
-        EXPECT_EQ(::openpty(&master_, &slave_, nullptr, nullptr, nullptr), 0);
-        shell("terminal=" + std::string(::ttyname(slave_)) + R"(
+        shell("terminal=" + terminal + R"(
             device() {
                 mkdir -p $2 sys/class/tty/$1 dev/serial/by-id
                 ln -s $PWD/$2 sys/class/tty/$1/device
@@ -41,7 +45,6 @@ protected:
     }
 
     ~Ports() override {
-        ::close(slave_);
         ::close(master_);
         fs::remove_all(root);
     }
@@ -51,24 +54,32 @@ protected:
         ASSERT_EQ(std::system(("cd " + root.string() + " && { " + script + "\n}").c_str()), 0);
     }
 
-    /// The exit status; what was written is in `output`.
-    int run(const std::vector<std::string>& arguments) {
+    /// Text without the machine's root in its paths.
+    std::string shown(const std::string& text) const { return std::regex_replace(text, std::regex(root.string()), ""); }
+
+    /// The first sentence of what is said, the exit status, and where COM3 leads then. All that is said is in `output`.
+    std::string run(const std::vector<std::string>& arguments) {
         std::ostringstream out;
-        Output terminal(out);
-        const int status = ports::run(machine, arguments, terminal, terminal);
-        output = out.str();
-        return status;
+        Output screen(out);
+        const int status = ports::run(machine, arguments, screen, screen);
+        output = shown(out.str());
+        std::error_code none;
+        const fs::path own = machine.folder / "ports/com3";
+        const fs::path com3 = fs::read_symlink(fs::is_symlink(own) ? own : machine.folder / "com3", none);
+        const std::string sentence = output.substr(0, std::min(output.find(". "), output.find('\n')));
+        return sentence + " | " + std::to_string(status) + " | " + shown(com3);
     }
 
     bool says(const std::string& text) const { return output.find(text) != std::string::npos; }
 
     const fs::path root = fs::path(::testing::TempDir()) / ("ports_" + std::to_string(::getpid()));
     const Machine machine{root, root / "programs"};
+    const std::string stable = "/dev/serial/by-id/usb-FTDI-A5";
+    std::string terminal;
     std::string output;
 
 private:
-    int master_ = -1;
-    int slave_ = -1;
+    const int master_ = ::posix_openpt(O_RDWR | O_NOCTTY);
 };
 
 TEST_F(Ports, AreListedWithTheirUsersAndWhatMayDisturbThem) {
@@ -78,76 +89,73 @@ TEST_F(Ports, AreListedWithTheirUsersAndWhatMayDisturbThem) {
         echo minicom >proc/4321/comm; echo ModemManager >proc/17/comm; echo brltty >proc/18/comm
         echo E:ID_MM_PORT_IGNORE=1 >run/udev/data/c188:10
         ln -s $PWD/dev/serial/by-id/usb-FTDI-A5 programs/com2; ln -s $PWD/dev/ttyUSB7 programs/com16)");
-    EXPECT_EQ(run({}), 0);
-    for (const char* text :
-         {"/dev/ttyS0  COM1 without a link\n    serial port of this computer, driver serial\n",
-          "/dev/ttyUSB9\n    FTDI USB\\x1b]0;UART [0403:6001], serial number A5\n    not in use",
-          "/dev/ttyUSB10  COM2\n    FTDI USB\\x1b]0;UART [0403:6001], driver ftdi_sio, serial number A5\n",
-          "in use by minicom (process 4321)\n    you may open it", "brltty is running",
-          "/dev/ttyUSB7 (not plugged in)"})
-        EXPECT_TRUE(says(text)) << text << " is not in\n" << output;
-    const std::string commands = "may send modem commands to " + root.string() + "/dev/tty";
-    EXPECT_TRUE(says(commands + "USB9") && !says(commands + "USB10") && !says(commands + "S0")) << output;
-    EXPECT_FALSE(says("ttyS1"));
+    EXPECT_EQ(run({}), "/dev/ttyS0  COM1 without a link | 0 | ");
+    const std::string free = "\n    not in use, as far as user " + userName() + " can see\n    you may open it\n\n";
+    EXPECT_EQ(output.substr(0, output.find(". Link it")),
+              "/dev/ttyS0  COM1 without a link\n    serial port of this computer, driver serial" + free +
+                  "/dev/ttyUSB9\n    FTDI USB\\x1b]0;UART [0403:6001], serial number A5" + free +
+                  R"(/dev/ttyUSB10  COM2
+    FTDI USB\x1b]0;UART [0403:6001], driver ftdi_sio, serial number A5
+    stable name /dev/serial/by-id/usb-FTDI-A5
+    in use by minicom (process 4321)
+    you may open it
+
+COM links in /programs:
+    COM2 -> /dev/serial/by-id/usb-FTDI-A5
+    COM16 -> /dev/ttyUSB7 (not plugged in)
+
+What is missing:
+  - ModemManager is running and may send modem commands to /dev/ttyUSB9)");
     ::setenv("LC_ALL", "ja_JP.UTF-8", 1);
     run({});
     EXPECT_TRUE(says("点字サービス brltty が動作しています")) << output;
     fs::remove_all(root / "sys/class/tty");
-    EXPECT_EQ(run({}), 1) << "no serial device";
+    EXPECT_EQ(run({}), "/programs の COM リンク: | 1 | ") << "no serial device";
 }
 
 TEST_F(Ports, HaveTheirNamesShownAndNotSentToTheTerminal) {
-    const std::pair<std::string, std::string> names[] = {
-        {"ポート–é😀", "ポート–é😀"},
-        {"\x1b[2J\t\n\x7f", R"(\x1b[2J\x09\x0a\x7f)"},
-        {"\u009b2J\x9b", R"(\xc2\x9b2J\x9b)"},                                  // control characters beyond ASCII
-        {"a\u202e\u200bb\u2066", R"(a\xe2\x80\xae\xe2\x80\x8bb\xe2\x81\xa6)"},  // right to left, no width
-        {"\xc1\x81\xe0\x82\xa9\xf4\x90\x80\x80", R"(\xc1\x81\xe0\x82\xa9\xf4\x90\x80\x80)"},  // too long, too large
-        {"\xe3\x83", R"(\xe3\x83)"},                                                          // cut short
+    struct Case {
+        const char* kind;
+        std::string name;
+        std::string shown;
     };
-    for (const auto& [name, shown] : names) {
-        EXPECT_EQ(run({"set", "1", name}), 1);
-        EXPECT_TRUE(says("/" + shown + ": there is no such device\n")) << output;
-    }
+    const Case cases[] = {
+        {"letters", "ポート–é😀", "ポート–é😀"},
+        {"controls", "\x1b[2J\t\n\x7f", R"(\x1b[2J\x09\x0a\x7f)"},
+        {"controls beyond ASCII", "\u009b2J\x9b", R"(\xc2\x9b2J\x9b)"},
+        {"right to left, no width", "a\u202e\u200bb\u2066", R"(a\xe2\x80\xae\xe2\x80\x8bb\xe2\x81\xa6)"},
+        {"too long, too large", "\xc1\x81\xe0\x82\xa9\xf4\x90\x80\x80", R"(\xc1\x81\xe0\x82\xa9\xf4\x90\x80\x80)"},
+        {"cut short", "\xe3\x83", R"(\xe3\x83)"},
+    };
+    for (const auto& [kind, name, shown] : cases)
+        EXPECT_EQ(run({"set", "3", name}), "dravolt-ports: /dev/" + shown + ": there is no such device | 1 | ") << kind;
 }
 
 TEST_F(Ports, AreLinkedByTheirStableNames) {
     shell("echo 'a file of the user' >programs/com4; mkdir -p programs/com3.new/in.the.way");
-    const std::string terminal = fs::read_symlink(root / "dev/ttyUSB10");
-    const std::string other = root / "dev/ttyUSB9", stable = root / "dev/serial/by-id/usb-FTDI-A5";
-    // arguments, exit status, and where the link of COM3 leads then (nowhere: it is not there)
-    const std::tuple<std::vector<std::string>, int, std::string> steps[] = {
-        {{"remove", "3"}, 1, ""},
-        {{"set", "3", "ttyUSB9"}, 0, other},
-        {{"set", "3", terminal}, 0, stable},
-        {{"set", "3", "ttyUSB7"}, 1, stable},
-        {{"set", "3", "/dev/null"}, 1, stable},
-        {{"set", "4", "ttyUSB9"}, 1, stable},
-        {{"remove", "4"}, 1, stable},
-        {{"set", "17", "ttyUSB9"}, 2, stable},
-        {{"remove", "3"}, 0, ""},
-    };
-    for (const auto& [arguments, status, com3] : steps) {
-        EXPECT_EQ(run(arguments), status) << arguments[0] << ' ' << output;
-        std::error_code none;
-        EXPECT_EQ(fs::read_symlink(machine.folder / "com3", none), com3) << arguments[0] << ' ' << output;
-    }
-    EXPECT_TRUE(fs::is_regular_file(machine.folder / "com4"));
+    EXPECT_EQ(run({"remove", "3"}), "dravolt-ports: COM3 has no link | 1 | ");
+    EXPECT_EQ(run({"set", "3", "ttyUSB9"}), "COM3 is now /dev/ttyUSB9 | 0 | /dev/ttyUSB9");
+    EXPECT_EQ(run({"set", "3", terminal}), "COM3 is now " + stable + " | 0 | " + stable);
+    EXPECT_EQ(run({"set", "3", "ttyUSB7"}), "dravolt-ports: /dev/ttyUSB7: there is no such device | 1 | " + stable);
+    EXPECT_EQ(run({"set", "3", "/dev/null"}), "dravolt-ports: /dev/null is no serial port | 1 | " + stable);
+    const std::string isNoLink = "dravolt-ports: /programs/com4 is no link; it stays as it is | 1 | " + stable;
+    EXPECT_EQ(run({"set", "4", "ttyUSB9"}), isNoLink);
+    EXPECT_EQ(run({"remove", "4"}), isNoLink);
+    EXPECT_EQ(run({"set", "17", "ttyUSB9"}),
+              "dravolt-ports: wrong arguments; see dravolt-ports --help | 2 | " + stable);
+    EXPECT_EQ(run({"remove", "3"}), "COM3 has no link any more. | 0 | ");
 }
 
 TEST_F(Ports, AreLinkedInAFolderOfTheirOwn) {
     shell("mkdir programs/ports; ln -s $PWD/dev/ttyUSB9 programs/com3");
-    const fs::path beside = machine.folder / "com3", fresh = machine.folder / "ports/com3";
+    const std::string links = "COM links in /programs/ports:\n    COM3 -> ";
     run({});
-    EXPECT_TRUE(says("ttyUSB9  COM3\n") &&
-                says("    COM3 -> " + (root / "dev/ttyUSB9").string() + "\n        link: " + beside.string() + "\n"))
-        << output;
-    EXPECT_EQ(run({"set", "3", "ttyUSB10"}), 0);
-    EXPECT_EQ(fs::read_symlink(fresh), root / "dev/serial/by-id/usb-FTDI-A5");
+    EXPECT_TRUE(says(links + "/dev/ttyUSB9\n        link: /programs/com3\n")) << output;
+    EXPECT_EQ(run({"set", "3", "ttyUSB10"}), "COM3 is now " + stable + " | 0 | " + stable);
     run({});
-    EXPECT_TRUE(says("ttyUSB10  COM3\n") && says(beside.string() + " is not used")) << output;
-    EXPECT_EQ(run({"remove", "3"}), 0);
-    EXPECT_FALSE(fs::is_symlink(fresh) || fs::is_symlink(beside)) << "a removed port has no other link";
+    EXPECT_TRUE(says(links + stable + "\n        /programs/com3 is not used\n")) << output;
+    EXPECT_TRUE(says("/dev/ttyUSB10  COM3\n")) << output;
+    EXPECT_EQ(run({"remove", "3"}), "COM3 has no link any more. | 0 | ") << "a removed port has no other link";
 }
 
 TEST_F(Ports, AreLinkedByTheirPlaceWhereAnotherAdapterCanHaveTheName) {
@@ -158,26 +166,29 @@ TEST_F(Ports, AreLinkedByTheirPlaceWhereAnotherAdapterCanHaveTheName) {
             echo 1a86 >sys/devices/usb2/2-$n/idVendor
             ln -s $PWD/sys/devices/usb2/2-$n/tty sys/class/tty/ttyUSB$n/device
             touch dev/ttyUSB$n
-            ln -s ../../ttyUSB$n dev/serial/by-path/pci-0-usb-0:$n:1.0-port0
-            ln -s ../../ttyUSB$n dev/serial/by-path/pci-0-usbv2-0:$n:1.0-port0
+            for bus in usb usbv2; do ln -s ../../ttyUSB$n dev/serial/by-path/pci-0-$bus-0:$n:1.0-port0; done
         done
         ln -s ../../ttyUSB2 dev/serial/by-id/usb-1a86-if00-port0)");
-    const std::string identity = root / "dev/serial/by-id/usb-1a86-if00-port0";
-    const std::string place = root / "dev/serial/by-path/pci-0-usb-0:2:1.0-port0";
-    // serial numbers of two adapters of one kind, and how the second is linked
-    const std::tuple<std::string, std::string, std::string> cases[] = {
-        {"A5", "A6", identity},  {"", "", place},       {"A5", "", place},
-        {"0001", "0001", place}, {"A,5", "A,6", place}, {"  ", "A6", identity},
+    const std::string identity = "/dev/serial/by-id/usb-1a86-if00-port0";
+    const std::string place = "/dev/serial/by-path/pci-0-usb-0:2:1.0-port0";
+    struct Case {
+        std::string own;    ///< serial number of the adapter
+        std::string other;  ///< of another one of its kind
+        std::string link;
     };
-    for (const auto& [first, second, target] : cases) {
-        shell("echo '" + first + "' >sys/devices/usb2/2-1/serial; echo '" + second + "' >sys/devices/usb2/2-2/serial");
-        for (const std::string& device : {std::string("ttyUSB2"), identity}) {
-            EXPECT_EQ(run({"set", "5", device}), 0) << output;
-            EXPECT_EQ(fs::read_symlink(machine.folder / "com5"), target) << first << ' ' << second;
-            EXPECT_EQ(says("no serial number of its own"), target == place) << output;
+    const Case cases[] = {
+        {"A6", "A5", identity}, {"A6", "", identity},    {"", "", place},       {"", "A5", place},
+        {"  ", "A5", place},    {"0001", "0001", place}, {"A,6", "A,5", place},
+    };
+    for (const auto& [own, other, link] : cases) {
+        SCOPED_TRACE("'" + own + "' beside '" + other + "'");
+        shell("echo '" + other + "' >sys/devices/usb2/2-1/serial; echo '" + own + "' >sys/devices/usb2/2-2/serial");
+        for (const std::string& device : {std::string("ttyUSB2"), root.string() + identity}) {
+            EXPECT_EQ(run({"set", "3", device}), "COM3 is now " + link + " | 0 | " + link);
+            EXPECT_EQ(says("no serial number of its own"), link == place) << output;
         }
         run({});
-        EXPECT_TRUE(says("stable name " + target + (target == place ? ", of the place" : "\n"))) << output;
+        EXPECT_TRUE(says("stable name " + link + (link == place ? ", of the place" : "\n"))) << output;
     }
 }
 
