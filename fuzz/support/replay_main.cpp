@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <iterator>
+#include <sstream>
 #include <string>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size);
@@ -13,8 +13,9 @@ int main(int argc, char* argv[]) {
     for (int i = 1; i < argc; ++i)
         for (const auto& entry : std::filesystem::recursive_directory_iterator(argv[i])) {
             std::cout << entry.path().string() << std::endl;
-            std::ifstream file(entry.path(), std::ios::binary);
-            const std::string bytes(std::istreambuf_iterator<char>(file), {});
+            std::ostringstream content;
+            content << std::ifstream(entry.path(), std::ios::binary).rdbuf();
+            const std::string bytes = content.str();
             LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
             ++replayed;
         }
