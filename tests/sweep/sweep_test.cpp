@@ -135,6 +135,8 @@ void sweep(const Fault& fault) {
         recover(session, fault);
 }
 
+void PrintTo(const Fault& place, std::ostream* out) { *out << place.work << ' ' << place.place; }
+
 class Sweep : public testing::TestWithParam<Fault> {};
 
 TEST_P(Sweep, WhatMustHoldHolds) {
