@@ -1,13 +1,10 @@
 /// A whole session of the program, from its start to the end of a write, a save or a verified write, again and again:
 /// once for every place in the conversation and every fault that can happen there. Whatever goes wrong, what must hold
 /// holds. Program and units wait as long as they really do, on a clock that jumps over idle time.
-#include "app/startup_form.h"
-#include "support/main_window_rig.h"
+#include "support/program_session.h"
 #include "sweep/fault_kinds.h"
 
-#include <QCheckBox>
 #include <QElapsedTimer>
-#include <QRegularExpression>
 
 #include <map>
 
@@ -64,73 +61,12 @@ std::vector<Fault> faultsAt(const Fault& place) {
     return faults;
 }
 
-/// A session of the program, from fresh state, which comes to its work.
-class Session : public MainWindowRig {
-public:
-    explicit Session(const Fault& fault) : saves_(fault.work == "Save") {
-        const bool verifies = fault.work == "Verify";
-        waitAsInReality();
-        writeFile("Setting.INI", "[OPERATION]\nLanguage=ENGLISH\n[IFU]\nCOM=1\n");
-        writeFile("TYPE.INI", readFile("TYPE.INI") + "[IFU_TYPE]\nSV-IFU16=D\n");
-        writeImage("image.bin", "AMPKEY", 13500);
-        writeFile("saved.bin", "old");
-        options.amplifierFirmware = units::makeImage("AMPKEY", 12500, 3);
-        options.uploadBlocks = verifies ? 1'920 : 9;
-        window.showServiceControls();
-        window.findChild<QCheckBox*>("chkVerify")->setChecked(verifies);
-        window.hide();
-        plug({fault.text()});
-        orEnd([this] { form.load(); });
-    }
-
-    /// Presses "Set" where the program offers its ports. @return whether the main window is there
-    bool enter() {
-        if (!hasEnded && !window.isVisible())
-            orEnd([this] { form.findChild<QPushButton*>("cmdTest")->click(); });
-        return window.isVisible();
-    }
-
-    /// Does the work. @return how the program says that it went
-    QStringList work() {
-        user.said();
-        if (saves_) {
-            save("saved.bin");
-        } else {
-            load("image.bin");
-            upgrade();
-        }
-        return user.said().filter(QRegularExpression("^(Succeed|Failed)$"));
-    }
-
-    /// Whether the work has come to its end: the image is in the unit, or the firmware in the file.
-    bool isDone() const {
-        const auto unit = units::Unit::amplifier;
-        return saves_ ? isSaved("saved.bin", unit) : readFile("image.bin") == firmware(unit);
-    }
-
-    bool offersPorts() const { return form.isVisible() && form.findChild<QPushButton*>("cmdTest")->isVisible(); }
-
-    bool hasEnded = false;
-
-private:
-    void orEnd(const std::function<void()>& act) {
-        try {
-            act();
-        } catch (const ProgramEnded&) {
-            hasEnded = true;
-        }
-    }
-
-    const bool saves_;
-    frmStartUp form{window};
-};
-
 /// @return whether the work that is now done has succeeded, by what the program says
-bool worksAndSaysSo(Session& session) {
+bool worksAndSaysSo(ProgramSession& session) {
     const QStringList said = session.work();
     EXPECT_EQ(said.size(), 1) << "each run says how it went, once: " << said.join(", ").toStdString();
     EXPECT_TRUE(session.window.isVisible());
-    EXPECT_EQ(session.state(), Session::kReady);
+    EXPECT_EQ(session.state(), ProgramSession::kReady);
     EXPECT_FALSE(TransferRun::isRunning()) << gTransferState;
     return said.contains("Succeed");
 }
@@ -160,7 +96,7 @@ bool explains(const Fault& fault, const std::string& violation) {
 }
 
 /// What does not work the first time works as soon as the fault is over.
-void recover(Session& session, const Fault& fault) {
+void recover(ProgramSession& session, const Fault& fault) {
     const bool entered = session.enter();
     const bool wantsRestart = entered && gobjComm == nullptr;  // after a verification
     if (fault.always || wantsRestart || session.hasEnded)
@@ -177,7 +113,7 @@ void recover(Session& session, const Fault& fault) {
 void sweep(const Fault& fault) {
     QElapsedTimer clock;
     clock.start();
-    Session session(fault);
+    ProgramSession session(fault.work, fault.text());
     const bool entered = session.enter();
     const bool succeeded = entered && worksAndSaysSo(session);
     EXPECT_TRUE(entered || session.hasEnded || session.offersPorts());
@@ -196,6 +132,8 @@ void sweep(const Fault& fault) {
     if (!session.hasEnded && !session.isDone())
         recover(session, fault);
 }
+
+void PrintTo(const Fault& place, std::ostream* out) { *out << place.work << ' ' << place.place; }
 
 class Sweep : public testing::TestWithParam<Fault> {};
 
@@ -221,7 +159,7 @@ INSTANTIATE_TEST_SUITE_P(FaultsAt, Sweep, testing::ValuesIn(allPlaces()), [](con
 
 TEST(SweepPlaces, AreAllThatAGoodSessionHas) {
     for (const auto& [work, places] : kPlaces) {
-        Session session({work, {}, {}});
+        ProgramSession session(work, "");
         EXPECT_TRUE(session.enter());
         EXPECT_TRUE(worksAndSaysSo(session));
         EXPECT_TRUE(session.isDone());
