@@ -6,7 +6,9 @@ scaled() { awk "BEGIN { print int($1 * ${QT_SCALE_FACTOR:-1}) }"; }
 # Starts a virtual display with a window manager; everything started later shows there.
 start_desktop() {
     exec {display_pipe}<> <(:)
-    Xvfb -wr -displayfd "$display_pipe" -screen 0 "$(scaled 1280)x$(scaled 800)x24" -nolisten tcp >/dev/null 2>&1 &
+    # It must not reset when the first of the clients here goes: that would end those that are just coming.
+    Xvfb -noreset -wr -displayfd "$display_pipe" -screen 0 "$(scaled 1280)x$(scaled 800)x24" -nolisten tcp \
+        >/dev/null 2>&1 &
     desktop_processes=($!)
     read -r -t 20 display <&"$display_pipe" || { echo "Xvfb does not start" >&2; return 1; }
     exec {display_pipe}<&-
@@ -14,7 +16,7 @@ start_desktop() {
     unset WAYLAND_DISPLAY QT_QPA_PLATFORM
     openbox >/dev/null 2>&1 &
     desktop_processes+=($!)
-    soon 10 xdotool get_num_desktops || { echo "openbox does not start" >&2; return 1; }
+    soon 30 xdotool get_num_desktops || { echo "openbox does not start" >&2; return 1; }
 }
 
 # dark_desktop FOLDER: programs started later find the settings of a dark desktop in the folder.
