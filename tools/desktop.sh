@@ -31,6 +31,17 @@ dark_desktop() {
     printf '[Colors:Selection]\nBackgroundNormal=61,174,233\nForegroundNormal=252,252,252\n' >>"$1/kdeglobals"
 }
 
+# Starts a message bus, on which programs started later tell what their windows say.
+start_bus() {
+    local pipe
+    exec {pipe}<> <(:)
+    dbus-daemon --session --nofork --print-address="$pipe" >/dev/null 2>&1 &
+    desktop_processes+=($!)
+    read -r -t 20 DBUS_SESSION_BUS_ADDRESS <&"$pipe" || { echo "dbus-daemon does not start" >&2; return 1; }
+    exec {pipe}<&-
+    export DBUS_SESSION_BUS_ADDRESS
+}
+
 stop_desktop() { kill "${desktop_processes[@]}" 2>/dev/null || true; }
 
 # soon SECONDS COMMAND...: whether the command succeeds within the time.
@@ -69,8 +80,8 @@ press() {
     sleep 0.2
 }
 
-# picture FILE: the whole screen, cut to what stands on it.
-picture() { import -window root -trim +repage "$1"; }
+# picture FILE: the whole screen, cut to what stands on it; the same screen gives the same file.
+picture() { import -strip -window root -trim +repage "$1"; }
 
 # The middle of each control of the main window.
 main_window='^Dravolt ver'
@@ -82,8 +93,21 @@ press_target() { press "$main_window" 31 $((40 + 16 * $1)); }
 # load_image FILE: "Loading file", then the file in the dialog.
 load_image() {
     press_load
-    sleep 0.7
+    choose_file "$1"
+}
+
+# choose_file FILE: in the file dialog that is opening; comes back when it is closed.
+choose_file() {
+    soon 20 file_dialog || { echo "no file dialog" >&2; return 1; }
     xdotool type --delay 5 "$1"
-    xdotool key Return
-    sleep 0.7
+    close_by Return
+}
+file_dialog() { xdotool getactivewindow getwindowname | grep -E '^(Open|Save As|開く|名前を付けて保存)$'; }
+
+# close_by KEY: presses it in the window that has the focus, which closes.
+close_by() {
+    local id
+    id=$(xdotool getactivewindow)
+    xdotool key "$1"
+    soon 20 eval "! xdotool getwindowname $id" || { echo "the window does not close" >&2; return 1; }
 }
