@@ -6,7 +6,9 @@ scaled() { awk "BEGIN { print int($1 * ${QT_SCALE_FACTOR:-1}) }"; }
 # Starts a virtual display with a window manager; everything started later shows there.
 start_desktop() {
     exec {display_pipe}<> <(:)
-    Xvfb -wr -displayfd "$display_pipe" -screen 0 "$(scaled 1280)x$(scaled 800)x24" -nolisten tcp >/dev/null 2>&1 &
+    # It must not reset when the first of the clients here goes: that would end those that are just coming.
+    Xvfb -noreset -wr -displayfd "$display_pipe" -screen 0 "$(scaled 1280)x$(scaled 800)x24" -nolisten tcp \
+        >/dev/null 2>&1 &
     desktop_processes=($!)
     read -r -t 20 display <&"$display_pipe" || { echo "Xvfb does not start" >&2; return 1; }
     exec {display_pipe}<&-
@@ -14,7 +16,7 @@ start_desktop() {
     unset WAYLAND_DISPLAY QT_QPA_PLATFORM
     openbox >/dev/null 2>&1 &
     desktop_processes+=($!)
-    soon 10 xdotool get_num_desktops || { echo "openbox does not start" >&2; return 1; }
+    soon 30 xdotool get_num_desktops || { echo "openbox does not start" >&2; return 1; }
 }
 
 # dark_desktop FOLDER: programs started later find the settings of a dark desktop in the folder.
@@ -27,6 +29,17 @@ dark_desktop() {
     done >"$1/kdeglobals"
     printf '[Colors:View]\nBackgroundNormal=27,30,32\nForegroundNormal=252,252,252\n' >>"$1/kdeglobals"
     printf '[Colors:Selection]\nBackgroundNormal=61,174,233\nForegroundNormal=252,252,252\n' >>"$1/kdeglobals"
+}
+
+# Starts a message bus, on which programs started later tell what their windows say.
+start_bus() {
+    local pipe
+    exec {pipe}<> <(:)
+    dbus-daemon --session --nofork --print-address="$pipe" >/dev/null 2>&1 &
+    desktop_processes+=($!)
+    read -r -t 20 DBUS_SESSION_BUS_ADDRESS <&"$pipe" || { echo "dbus-daemon does not start" >&2; return 1; }
+    exec {pipe}<&-
+    export DBUS_SESSION_BUS_ADDRESS
 }
 
 stop_desktop() { kill "${desktop_processes[@]}" 2>/dev/null || true; }
@@ -67,8 +80,8 @@ press() {
     sleep 0.2
 }
 
-# picture FILE: the whole screen, cut to what stands on it.
-picture() { import -window root -trim +repage "$1"; }
+# picture FILE: the whole screen, cut to what stands on it; the same screen gives the same file.
+picture() { import -strip -window root -trim +repage "$1"; }
 
 # The middle of each control of the main window.
 main_window='^Dravolt ver'
@@ -80,8 +93,21 @@ press_target() { press "$main_window" 31 $((40 + 16 * $1)); }
 # load_image FILE: "Loading file", then the file in the dialog.
 load_image() {
     press_load
-    sleep 0.7
+    choose_file "$1"
+}
+
+# choose_file FILE: in the file dialog that is opening; comes back when it is closed.
+choose_file() {
+    soon 20 file_dialog || { echo "no file dialog" >&2; return 1; }
     xdotool type --delay 5 "$1"
-    xdotool key Return
-    sleep 0.7
+    close_by Return
+}
+file_dialog() { xdotool getactivewindow getwindowname | grep -E '^(Open|Save As|開く|名前を付けて保存)$'; }
+
+# close_by KEY: presses it in the window that has the focus, which closes.
+close_by() {
+    local id
+    id=$(xdotool getactivewindow)
+    xdotool key "$1"
+    soon 20 eval "! xdotool getwindowname $id" || { echo "the window does not close" >&2; return 1; }
 }
