@@ -200,18 +200,6 @@ void MSComm::requireOpen() const {
                              messageText(u"COM%1 is not open", u"COM%1 は開いていません").arg(number_));
 }
 
-qsizetype MSComm::inBufferCount() const {
-    requireOpen();
-    int count = 0;
-    if (::ioctl(descriptor_, FIONREAD, &count) < 0)
-        failed("read", errno);
-    if (count > 0)
-        return count;
-    if (isGone(waitFor(POLLIN, std::chrono::nanoseconds::zero())))
-        failed("read", EIO);
-    return 0;
-}
-
 QByteArray MSComm::input(qsizetype most) {
     requireOpen();
     if (most <= 0)
