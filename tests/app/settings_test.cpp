@@ -68,20 +68,16 @@ protected:
 TEST_F(LanguageDialogDeathTest, BeginsWithTheLanguageOfTheSystemAndGivesTheChosenOne) {
     const char* const japanese = "Dravolt 言語選択 \\[\\*日本語\\*\\] 英語 OK Cancel, language ";
     const char* const english = "Dravolt Select Language Japanese \\[\\*English\\*\\] OK Cancel, language ";
-    const struct {
-        const char* locale;
-        std::vector<const char*> presses;
-        const char* seen;
-        const char* language;
-    } cases[] = {
+    const std::tuple<const char*, std::vector<const char*>, const char*, const char*> cases[] = {
+        // language of the system, what is pressed, what is seen, the language then
         {"ja_JP.UTF-8", {"cmdOK"}, japanese, "0"},
         {"ja_JP.UTF-8", {"optLanguage(1)", "cmdOK"}, japanese, "1"},
         {"ja_JP.UTF-8", {"optLanguage(1)", "cmdCancel"}, japanese, "0"},
         {"en_GB.UTF-8", {"optLanguage(0)", "cmdOK"}, english, "0"},
         {"de_DE.UTF-8", {"optLanguage(0)", "cmdCancel"}, english, "1"},
     };
-    for (const auto& c : cases) {
-        qputenv("LC_ALL", c.locale);
-        EXPECT_EXIT(answer(c.presses), testing::ExitedWithCode(0), std::string(c.seen) + c.language) << c.locale;
+    for (const auto& [locale, presses, seen, language] : cases) {
+        qputenv("LC_ALL", locale);
+        EXPECT_EXIT(answer(presses), testing::ExitedWithCode(0), std::string(seen) + language) << locale;
     }
 }

@@ -31,26 +31,20 @@ static ReplyParser parsed(const QByteArray& bytes, bool raw, QByteArray& data) {
 }
 
 TEST(Reply, GivesItsResultAndData) {
-    const struct {
-        const char* name;
-        QByteArray text;
-        bool raw;
-        const char* result;
-        QByteArray data;  ///< hexadecimal
-    } cases[] = {
-        {"good", "00000005010000", false, "0000", "05010000"},
-        {"lower-case digits", "0000000501000aFf", false, "000A", "0501000aff"},
-        {"refused", "00000F05012204", false, "2204", "05012204"},
-        {"end code 12 alone", "000012", false, "9012", ""},
-        {"hexadecimal data", "00000005010000AB", false, "0000", "05010000ab"},
-        {"raw data", "00000005010000AB", true, "0000", "050100004142"},
-        {"odd number of digits", "00000005010000A", false, "0000", "05010000"},
-        {"as long as can be", "000000" + QByteArray(902, '0'), false, "0000", QByteArray(902, '0')},
+    const std::tuple<QByteArray, bool, const char*, QByteArray> cases[] = {
+        // text, raw, result, data
+        {"00000005010000", false, "0000", "05010000"},
+        {"0000000501000aFf", false, "000A", "0501000aff"},
+        {"00000F05012204", false, "2204", "05012204"},
+        {"000012", false, "9012", ""},
+        {"00000005010000AB", true, "0000", "050100004142"},
+        {"00000005010000A", false, "0000", "05010000"},
+        {"000000" + QByteArray(902, '0'), false, "0000", QByteArray(902, '0')},
     };
-    for (const auto& c : cases) {
+    for (const auto& [text, raw, result, hexData] : cases) {
         QByteArray data;
-        EXPECT_EQ(parsed(replyFrame(c.text), c.raw, data).result(), c.result) << c.name;
-        EXPECT_EQ(data.toHex(), c.data) << c.name;
+        EXPECT_EQ(parsed(replyFrame(text), raw, data).result(), result) << text.toStdString();
+        EXPECT_EQ(data.toHex(), hexData) << text.toStdString();
     }
 }
 

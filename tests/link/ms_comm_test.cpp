@@ -110,29 +110,22 @@ TEST_F(Port, TellsMissingPortsFromPortsThatDoNotOpen) {
     writeFile("com6", "no device");
     for (const auto& [number, target] : {std::pair{4, "/nowhere"}, {5, "/"}, {7, "/dev/zero"}})
         linkPort(number, target);
+    MSComm port;
+    for (const int number : {0, 4, 300}) {
+        EXPECT_FALSE(opens(number));
+        EXPECT_EQ(user.said(), QStringList(QString("現在の通信ポート(COM%1)は有効ではありません").arg(number)));
+    }
+    EXPECT_EQ(failureToOpen(port, 4),
+              "COM4: リンク " + file("com4") +
+                  " の先の /nowhere がありません。アダプターが抜けているか、リンクが古くなっています");
+    EXPECT_EQ(failureToOpen(port, 300), "COM300: リンク " + file("ports/com300") + "、" + file("com300") +
+                                            " もデバイス /dev/ttyS299 もありません");
     const QString notOpening =
         "通信ポートが開けません。通信ポートを使用するアプリケーションを終了して再度起動して下さい。";
-    const std::tuple<int, QString, QString> cases[] = {
-        // number, what is said, the cause
-        {0, "現在の通信ポート(COM0)は有効ではありません",
-         "COM0: リンク " + file("ports/com0") + "、" + file("com0") + " もデバイス /dev/ttyS-1 もありません"},
-        {300, "現在の通信ポート(COM300)は有効ではありません",
-         "COM300: リンク " + file("ports/com300") + "、" + file("com300") + " もデバイス /dev/ttyS299 もありません"},
-        {4, "現在の通信ポート(COM4)は有効ではありません",
-         "COM4: リンク " + file("com4") +
-             " の先の /nowhere がありません。アダプターが抜けているか、リンクが古くなっています"},
-        {5, notOpening,
-         "COM5 (" + file("com5") + "): open: " + qt_error_string(EISDIR) + "。シリアルポートではありません"},
-        {6, notOpening,
-         "COM6 (" + file("com6") + "): claim: " + qt_error_string(ENOTTY) + "。シリアルポートではありません"},
-        {7, notOpening,
-         "COM7 (" + file("com7") + "): claim: " + qt_error_string(ENOTTY) + "。シリアルポートではありません"},
-    };
-    for (const auto& [number, said, cause] : cases) {
-        EXPECT_FALSE(opens(number)) << number;
-        EXPECT_EQ(user.said(), QStringList(said));
-        MSComm port;
-        EXPECT_EQ(failureToOpen(port, number), cause);
+    for (const int number : {5, 6, 7}) {
+        EXPECT_FALSE(opens(number));
+        EXPECT_EQ(user.said(), QStringList(notOpening));
+        EXPECT_EQ(failureToOpen(port, number).section("。", 1), "シリアルポートではありません");
     }
     ASSERT_TRUE(opens()) << "a failed open leaves nothing behind";
     EXPECT_FALSE(opens()) << "the port is open already";
@@ -223,11 +216,11 @@ TEST_F(Port, IsClaimedThenSetAndTheSettingsAreReadBack) {
 
 TEST_F(Port, BytesForASlowLineGoOutOnceAndInOrder) {
     ASSERT_TRUE(opens());
-    gWaits.portWrite = 600ms;
+    gWaits.portWrite = 1s;
     QByteArray bytes;
-    while (bytes.size() < 200'000)
+    while (bytes.size() < 400'000)
         bytes += QByteArray::number(bytes.size());
-    bytes.truncate(200'000);
+    bytes.truncate(400'000);
     QByteArray received;
     std::jthread unit([&] {
         while (received.size() < bytes.size()) {
