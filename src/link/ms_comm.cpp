@@ -201,18 +201,6 @@ void MSComm::requireOpen() const {
                              textByOffset({u"COM%1 is not open", u"COM%1 は開いていません"}).arg(number_));
 }
 
-qsizetype MSComm::inBufferCount() const {
-    requireOpen();
-    int count = 0;
-    if (::ioctl(descriptor_, FIONREAD, &count) < 0)
-        fail("read", errno);
-    if (count > 0)
-        return count;
-    if (isGone(waitFor(POLLIN, std::chrono::nanoseconds::zero())))
-        fail("read", EIO);
-    return 0;
-}
-
 QByteArray MSComm::input(qsizetype most) {
     if (most <= 0)
         return {};  // to read no bytes would look like a hang-up

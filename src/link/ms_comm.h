@@ -35,10 +35,6 @@ public:
     /// Closes the port and drops what is still to be sent; does nothing when it is closed.
     void close();
 
-    /// Number of received bytes waiting.
-    /// @throws RuntimeFailure  the port is closed or gone
-    qsizetype inBufferCount() const;
-
     /// Takes up to `most` waiting bytes, oldest first; none when none is waiting.
     /// @throws RuntimeFailure  the port is closed or gone
     QByteArray input(qsizetype most);

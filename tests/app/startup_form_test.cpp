@@ -7,6 +7,11 @@
 
 #include <QComboBox>
 #include <QPushButton>
+#include <QStandardPaths>
+
+#include <fcntl.h>
+#include <iostream>
+#include <sys/file.h>
 
 class FakeMainWindow final : public MainWindowAtStart {
 public:
@@ -19,16 +24,36 @@ public:
 class StartUp : public UnitsTestWith<BoxOperator> {
 protected:
     StartUp() {
-        writeFile("Setting.INI", "[OPERATION]\nLanguage=ENGLISH\n[IFU]\nCOM=1\n");
-        writeFile("TYPE.INI", "[AMP_TYPE]\n0A=12000,AMP-A,x\n[IFU_TYPE]\nSV-IFU16=D\nｱﾝ=D\n[IFU_DEFINE]\nD=IFU-D\n");
+        writeSettings("ENGLISH", 1);
+        writeFile("TYPE.INI", "[AMP_TYPE]\n0A=12000,AMP-A,x\n"
+                              "[IFU_TYPE]\nSV-IFU16=D\nｱﾝ=D\n0123456789ABCDEF=D\n[IFU_DEFINE]\nD=IFU-D\n");
         gWaits.reply = gWaits.exchangeMark = 150ms;
     }
 
-    bool offersPorts() const { return form.isVisible() && form.findChild<QPushButton*>("cmdTest")->isVisible(); }
+    void writeSettings(const char* language, int port) const {
+        writeFile("Setting.INI",
+                  "[OPERATION]\nLanguage=" + QByteArray(language) + "\n[IFU]\nCOM=" + QByteArray::number(port) + "\n");
+    }
 
-    void chooseAndSet(int port) {
-        form.findChild<QComboBox*>("cmbCom")->setCurrentIndex(port - 1);
-        form.findChild<QPushButton*>("cmdTest")->click();
+    /// What the operator can choose and press.
+    QString offered() const {
+        QString texts = ports().itemText(0) + '-' + ports().itemText(ports().count() - 1) + ' ' + ports().currentText();
+        for (const auto* button : form.findChildren<QPushButton*>())
+            texts += button->isVisible() ? ' ' + button->text() : QString();
+        return texts;
+    }
+
+    void press(const char* caption) const {
+        for (auto* button : form.findChildren<QPushButton*>())
+            if (button->text() == caption)
+                button->click();
+    }
+
+    QComboBox& ports() const { return *form.findChild<QComboBox*>("cmbCom"); }
+
+    void chooseAndSet(int port) const {
+        ports().setCurrentIndex(port - 1);
+        press("Set");
     }
 
     FakeMainWindow mainWindow;
@@ -38,10 +63,17 @@ protected:
 TEST_F(StartUp, EndsTheProgramOrHandsOverAfterWhatTheUnitsAnswer) {
     const std::vector<std::string> all{"0501", "0601", "0101D40001000001", "0101D50001000001", "0501"};
     const QString notConnected = "Unit connection state is unusual.";
-    // what the units do, requests until then, rows of the units (null: the program ends), what is said
+    const QString twoSensors = text(IDS_MSGERR_NOTONLY_ONE_SENSOR);
     const std::tuple<const char*, int, const char*, QStringList> cases[] = {
+        // what the units do, requests until then, rows of the units (null: the program ends), what is said
         {"", 5, "AMP-A 0.500, IFU-D 1.004", {}},
         {"data:0xB1DD20202020202020202020202020205632@0501#2", 5, "AMP-A 0.500, IFU-D 2", {}},
+        {"data:0123456789ABCDEFV1234567@0501#2", 5, "AMP-A 0.500, IFU-D 123456", {}},
+        {"data:SV-IFU16 V9     xV 2.5 more@0501#2", 5, "AMP-A 0.500,  2.5 m", {}},
+        {"data:VVVVVVVVVVVVVVVV12@0501#2", 5, "AMP-A 0.500,  12", {}},
+        {"data:SV-IFU16@0501#2", 5, "AMP-A 0.500, IFU-D ", {}},
+        {"data:77772EEE@0101D4", 5, "AMP-A 0.014, IFU-D 1.004", {}},
+        {"data:0A0000@0101D5", 5, " 0.000, IFU-D 1.004", {}},
         {"response:1004@0601", 2, " ,  ", {}},
         {"response:2204@0101D4", 3, " ,  ", {}},
         {"response:2204@0501", 1, nullptr, {}},
@@ -50,7 +82,9 @@ TEST_F(StartUp, EndsTheProgramOrHandsOverAfterWhatTheUnitsAnswer) {
         {"unplug@0101D4", 3, nullptr, {"It is a receiving timeout error."}},
         {"bcc@0101D5", 4, nullptr, {}},
         {"endcode:12@0501#2", 5, nullptr, {}},
-        {"data:00 2@0601", 2, nullptr, {text(IDS_MSGERR_NOTONLY_ONE_SENSOR)}},
+        {"data:00x1@0601", 2, nullptr, {"Application error. / RES : 0000"}},
+        {"data:0010@0601", 2, nullptr, {twoSensors}},
+        {"data:00 2@0601", 2, nullptr, {twoSensors}},
         {"data:00 0@0601", 2, nullptr, {notConnected}},
         {"data:01 2@0601", 2, nullptr, {notConnected}},
     };
@@ -65,55 +99,87 @@ TEST_F(StartUp, EndsTheProgramOrHandsOverAfterWhatTheUnitsAnswer) {
             startUp.load();
             EXPECT_EQ(gAmpTypeName + ' ' + gAmpVersion + ", " + gIfuTypeName + ' ' + gIfuVersion, rows) << fault;
             EXPECT_EQ(mainWindow.calls, QStringList({"create", "rows", "show"})) << fault;
+            EXPECT_FALSE(startUp.isVisible()) << fault;
         }
-        EXPECT_FALSE(startUp.isVisible() && rows != nullptr) << fault;
         EXPECT_EQ(user.said(), said) << fault;
         EXPECT_EQ(requests(), std::vector<std::string>(all.begin(), all.begin() + count)) << fault;
-        EXPECT_TRUE(simulator->violations().empty()) << fault;
+        EXPECT_EQ(simulator->violations(), std::vector<std::string>{}) << fault;
     }
 }
 
-TEST_F(StartUp, AFailedFirstTestOffersThePortsAndSetTriesTwice) {
+TEST_F(StartUp, AFailedFirstTestOffersThePortsInTheLanguageOfTheSettings) {
+    const std::tuple<const char*, int, const char*, const char*> cases[] = {
+        {"ENGLISH", 5,
+         "The present communication port(COM5)is not effective. | It is a receiving timeout error. | "
+         "An error is in a setup of a COM port.Please check.",
+         "COM1-COM16 COM5 Set Cancel"},
+        {"ENGLISH", 17, "Application error. / RES : Setting.INI: there is no port COM17; choose one of COM1 to COM16",
+         "COM1-COM16 COM5 Set Cancel"},
+        {"JAPANESE", -1,
+         "アプリケーションで異常が発生しました。 / RES : Setting.INI: COM-1 はありません。"
+         "COM1～COM16 から選択して下さい",
+         "COM1-COM16 COM5 設定 終了"},
+    };
+    linkPort(5, "/nowhere");
+    for (const auto& [language, port, said, controls] : cases) {
+        writeSettings(language, port);
+        form.load();
+        EXPECT_EQ(user.said().join(" | "), said);
+        EXPECT_EQ(offered(), controls) << port;
+        EXPECT_EQ(form.focusWidget(), &ports()) << port;
+    }
+}
+
+TEST_F(StartUp, SetTriesTwiceAndThenTellsThePort) {
     plug({"silence@0501*3"});
     form.load();
-    EXPECT_EQ(user.said(), QStringList{"An error is in a setup of a COM port.Please check."});
-    ASSERT_TRUE(offersPorts());
-    EXPECT_FALSE(form.findChild<QComboBox*>("cmbBps")->isVisible());
-    for (const int port : {1, 16}) {
-        chooseAndSet(port);
-        EXPECT_EQ(user.said().last(), QString("The present communication port(COM%1)is not effective.").arg(port));
-        EXPECT_EQ(requests().size(), 3U) << "\"Set\" tests twice, and not at all where there is no port";
-        ASSERT_TRUE(offersPorts());
-    }
+    ASSERT_EQ(user.said(), QStringList{"An error is in a setup of a COM port.Please check."});
+    EXPECT_EQ(user.boxes().back().icon, QMessageBox::Warning);
+    QTimer::singleShot(0, &form, [this] { chooseAndSet(1); });  // an impatient operator
+    chooseAndSet(1);
+    EXPECT_EQ(user.said(), QStringList{"The present communication port(COM1)is not effective."});
+    EXPECT_EQ(requests().size(), 3U);
+    linkPort(16, "/nowhere");
+    chooseAndSet(16);
+    EXPECT_EQ(user.said(), QStringList{"The present communication port(COM16)is not effective."});
+    EXPECT_EQ(offered(), "COM1-COM16 COM16 Set Cancel");
     linkPort(7, QString::fromStdString(simulator->port()));
     chooseAndSet(7);
     EXPECT_EQ(gComPort, 7);
-    EXPECT_EQ(mainWindow.calls.back(), "show");
-    EXPECT_TRUE(readFile("Setting.INI").contains("COM=1")) << "the choice holds for this run only";
+    EXPECT_EQ(mainWindow.calls, QStringList({"create", "rows", "show"}));
+    EXPECT_FALSE(form.isVisible());
+    EXPECT_TRUE(readFile("Setting.INI").contains("COM=1\n")) << "the choice holds for this run only";
 }
 
-TEST_F(StartUp, APortThatDoesNotOpenIsSaidAndThePortsAreOffered) {
-    linkPort(1, "/nowhere");
+TEST_F(StartUp, CancelAndTheCloseBoxEndTheProgram) {
+    int ends = 0;
+    setProgramEnd([&ends] { ++ends; });
     form.load();
-    EXPECT_EQ(user.said(),
-              QStringList({"The present communication port(COM1)is not effective.", "It is a receiving timeout error.",
-                           "An error is in a setup of a COM port.Please check."}));
-    EXPECT_TRUE(offersPorts());
-    writeFile("Setting.INI", "[OPERATION]\nLanguage=JAPANESE\n[IFU]\nCOM=17\n");
-    frmStartUp(mainWindow).load();
-    EXPECT_TRUE(user.said()[0].contains("COM17")) << "a port that the list does not have";
+    press("Cancel");
+    EXPECT_EQ(ends, 1);
+    form.close();
+    EXPECT_EQ(ends, 2);
 }
 
-TEST(Attributes, ModelAndVersionAreCutOutOfTheText) {
-    const std::tuple<const char*, const char*, const char*> cases[] = {
-        {"SV-IFU16        V1.004", "SV-IFU16", "1.004"},
-        {"VVVVVVVVVVVVVVVV12", "VVVVVVVVVVVVVVVV", "12"},
-        {"  M             v9 V 2.5 more", "M", "2.5 m"},
-        {"V1.0", "V1.0", ""},
-        {"0123456789ABCDEFV1234567", "0123456789ABCDEF", "123456"},
-    };
-    for (const auto& [text, model, version] : cases) {
-        EXPECT_EQ(attributeModel(text), model);
-        EXPECT_EQ(attributeVersion(text), version);
+class SecondCopyDeathTest : public StartUp {
+protected:
+    /// Starts beside another copy, and says what the operator is told.
+    void start() {
+        const QString lock = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) + "/dravolt.lock";
+        ::flock(::open(qPrintable(lock), O_RDWR | O_CREAT, 0600), LOCK_EX);
+        setProgramEnd([this] {
+            std::cerr << "said: " << user.said().join('|').toStdString() << '\n';
+            std::_Exit(simulator->requests().empty() ? 0 : 1);
+        });
+        form.load();
+    }
+};
+
+TEST_F(SecondCopyDeathTest, SaysSoAndEndsWithoutTouchingThePort) {
+    // Anew, as a copy keeps its lock for good.
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    for (const auto& [language, said] : {std::pair{"ENGLISH", "said: This application is already started.\n"},
+                                         {"JAPANESE", "said: 既にこのアプリケーションは起動されています。\n"}}) {
+        EXPECT_EXIT((writeSettings(language, 1), plug({}), start()), testing::ExitedWithCode(0), said);
     }
 }

@@ -1,18 +1,30 @@
 #include "support/units_test.h"
 
-class DeviceCommands : public UnitsTest {};
-
-TEST_F(DeviceCommands, AFailureIsShownAndTheStatusReadGivesStatusAndSensorCount) {
+class DeviceCommands : public UnitsTest {
+protected:
     QByteArray data;
-    EXPECT_EQ(fncSendTextCommand("0501", data), "9999");
-    EXPECT_EQ(user.said(), QStringList{"It is a receiving timeout error."}) << "no port is open";
-    unitsWith({"data:00 2@0601", "data:01x1@0601#2", "response:1004@0601#3"});
-    EXPECT_EQ(fncReadUnitStatus("0601", data), "0000");
-    EXPECT_EQ(gUnitStatus, "00");
-    EXPECT_EQ(gSensorCount, 2);
-    EXPECT_EQ(fncReadUnitStatus("0601", data), "9999") << "a count that is no number is a failure";
-    EXPECT_EQ(user.said(), QStringList{"Application error. / RES : 0000"});
-    EXPECT_EQ(fncReadUnitStatus("0601", data), "1004");
-    EXPECT_EQ(gUnitStatus, "");
-    EXPECT_EQ(gSensorCount, 0);
+};
+
+TEST_F(DeviceCommands, NumbersGoOutInUpperCaseHexadecimalDigitsOfFixedLength) {
+    unitsWith({});
+    fncReadVariable("D4", 0x1ABCD, 0x12345, data, 2s, false);
+    fncOperationCommand(kStartUpload, 0x1AB);
+    EXPECT_EQ(requests(), (std::vector<std::string>{"0101D4ABCD002345", "300552AB0C00"}));
+}
+
+TEST_F(DeviceCommands, TheSensorCheckGivesTheResponseCodeOrEight) {
+    for (const auto& [fault, number] : {std::pair{"", 0}, {"response:2204@0101D4", 2204}, {"bcc@0101D4", 8}}) {
+        unitsWith({fault});
+        EXPECT_EQ(fncCheckSensorComm(), number) << fault;
+    }
+}
+
+TEST_F(DeviceCommands, AReadHasFiveSecondsAnOperationTen) {
+    unitsWith({"delay:1000@0501", "delay:5200@300550"});
+    EXPECT_EQ(fncSendTextCommand("0501", data), "0000");
+    EXPECT_EQ(fncOperationCommand(kPrepareWrite, 1), "0000");
+}
+
+TEST_F(DeviceCommands, TheCauseOfAFailureIsSaidOnStandardError) {
+    EXPECT_EXIT((fncSendTextCommand("0501", data), std::_Exit(0)), testing::ExitedWithCode(0), "No COM port is open");
 }

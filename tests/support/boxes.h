@@ -5,7 +5,9 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QKeyEvent>
 #include <QMessageBox>
+#include <QTextDocumentFragment>
 #include <QTimer>
 
 #include <chrono>
@@ -18,6 +20,7 @@ struct Box {
     QString text;
     QMessageBox::Icon icon;
     QStringList buttons;
+    QWidget* owner;
 };
 
 /// Answers boxes for as long as it lives.
@@ -28,6 +31,9 @@ public:
         qApp->installEventFilter(this);
     }
     ~BoxOperator() override { setMessageBoxes({}); }
+
+    /// In the place of a button: the key.
+    static constexpr int kEscape = -1;
 
     /// Presses the button `number` (0 the first) of the next box that has not got its answer yet; later boxes get OK.
     void answerNext(int number) { answers_.push_back(number); }
@@ -50,18 +56,30 @@ protected:
         auto* box = event->type() == QEvent::Show ? qobject_cast<QMessageBox*>(watched) : nullptr;
         if (box == nullptr)
             return false;
-        boxes_.push_back({box->windowTitle(), box->text(), box->icon(), {}});
-        const QList<QAbstractButton*> buttons = box->buttons();
-        for (const QAbstractButton* button : buttons)
+        boxes_.push_back({box->windowTitle(), shownText(*box), box->icon(), {}, box->parentWidget()});
+        for (const QAbstractButton* button : box->buttons())
             boxes_.back().buttons += button->text();
-        QAbstractButton* pressed = buttons.at(answers_.empty() ? 0 : answers_.front());
+        const int answer = answers_.empty() ? 0 : answers_.front();
         if (!answers_.empty())
             answers_.pop_front();
-        QTimer::singleShot(readingTime, box, [pressed] { pressed->click(); });
+        QTimer::singleShot(readingTime, box, [box, answer] { give(*box, answer); });
         return false;
     }
 
 private:
+    static QString shownText(const QMessageBox& box) {
+        const bool marksUp = box.textFormat() != Qt::PlainText && Qt::mightBeRichText(box.text());
+        return marksUp ? QTextDocumentFragment::fromHtml(box.text()).toPlainText() : box.text();
+    }
+
+    static void give(QMessageBox& box, int answer) {
+        QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+        if (answer == kEscape)
+            QApplication::sendEvent(&box, &escape);
+        else
+            box.buttons().at(answer)->click();
+    }
+
     std::vector<Box> boxes_;
     std::size_t told_ = 0;
     std::deque<int> answers_;

@@ -6,6 +6,7 @@
 #include "system/program_folder.h"
 #include "text/string_table.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -52,7 +53,8 @@ public:
     }
 
 private:
-    QTemporaryDir folder_;
+    // A name that holds what the messages are put together with.
+    QTemporaryDir folder_{QDir::tempPath() + "/dravolt%1%3%5-XXXXXX"};
 };
 
 class ProgramTest : public testing::Test, protected ProgramRig {};

@@ -28,12 +28,12 @@ public:
     /// Sends as many of the bytes as the line takes at once.
     void send(const QByteArray& bytes) const { (void)!::write(master_, bytes.data(), std::size_t(bytes.size())); }
 
-    /// Everything that has come until the line is silent for 50 ms.
-    QByteArray received() const {
+    /// Up to `most` bytes, until the line is silent for a while.
+    QByteArray received(qsizetype most = 1'000'000, int silenceMs = 50) const {
         QByteArray all;
         char byte = 0;
         pollfd state{master_, POLLIN, 0};
-        while (::poll(&state, 1, 50) > 0 && ::read(master_, &byte, 1) == 1)
+        while (all.size() < most && ::poll(&state, 1, silenceMs) > 0 && ::read(master_, &byte, 1) == 1)
             all += byte;
         return all;
     }

@@ -19,10 +19,9 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/file.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 using namespace std::chrono_literals;
@@ -47,13 +46,15 @@ TEST(ProgramEndDeathTest, EndsFromInsideANestedEventLoopWithStatusZero) {
     EXPECT_EXIT(endWithin(), testing::ExitedWithCode(0), "");
 }
 
-TEST(SingleInstance, IsRefusedWhileAnotherHoldsTheLock) {
+TEST(SingleInstance, IsTheOneThatHoldsTheLock) {
     const QString path = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) + "/dravolt.lock";
-    const int other = ::open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    ASSERT_EQ(::flock(other, LOCK_EX | LOCK_NB), 0) << "a copy of the program is running";
+    const int other = ::open(qPrintable(path), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    ::flock(other, LOCK_EX);
     EXPECT_FALSE(isOnlyInstance());
+    ::flock(other, LOCK_UN);
+    EXPECT_TRUE(isOnlyInstance()) << "a copy that has ended does not block the next";
+    EXPECT_EQ(::flock(other, LOCK_EX | LOCK_NB), -1) << "and is kept away in its turn";
     ::close(other);
-    EXPECT_TRUE(isOnlyInstance()) << "a killed copy does not block the next";
 }
 
 TEST(SingleInstanceDeathTest, WithoutALockOfItsOwnComplainsAndCountsAsTheOnlyCopy) {
@@ -98,16 +99,20 @@ TEST(StandardErrorDeathTest, NeitherEndsNorDelaysTheProgram) {
                 "dravolt: heard\\?]0;");
 }
 
-/// A logind that hands out ends of pipes and keeps the others; it refuses one thing.
+/// A logind that hands out ends of pipes and keeps the others. It refuses one thing, and is slow with the last.
 class FakeLogind : public QDBusVirtualObject {
 public:
     QString introspect(const QString&) const override { return {}; }
 
     bool handleMessage(const QDBusMessage& call, const QDBusConnection& connection) override {
-        const QString what = call.arguments().at(0).toString();
-        asked += call.member() + ' ' + what + ' ' + call.arguments().at(3).toString();
-        if (what == refused)
+        const QString what = call.arguments().value(0).toString();
+        asked += call.member() + ' ' + what + ' ' + call.arguments().value(3).toString();
+        if (what == "shutdown")
             return connection.send(call.createErrorReply(QDBusError::AccessDenied, "no"));
+        if (what == "idle") {
+            heldMeanwhile = held();
+            transfer.reset();
+        }
         int ends[2];
         EXPECT_EQ(::pipe2(ends, O_CLOEXEC | O_NONBLOCK), 0);
         connection.send(call.createReply(QVariant::fromValue(QDBusUnixFileDescriptor(ends[1]))));
@@ -116,56 +121,47 @@ public:
         return true;
     }
 
-    /// How many of the inhibitions are still held.
-    int held() const {
+    /// How many of the inhibitions are held.
+    long held() const {
         char byte = 0;
-        return int(std::count_if(kept.begin(), kept.end(), [&byte](int end) { return ::read(end, &byte, 1) == -1; }));
+        return std::count_if(kept.begin(), kept.end(), [&byte](int end) { return ::read(end, &byte, 1) == -1; });
     }
 
-    QString refused = "shutdown";
+    std::unique_ptr<SleepInhibitor> transfer = std::make_unique<SleepInhibitor>();
     QStringList asked;
     std::vector<int> kept;
+    long heldMeanwhile = 0;
 };
 
-TEST(Sleep, IsInhibitedForAsLongAsTheObjectLives) {
+TEST(Sleep, IsInhibitedForAsLongAsTheTransferLasts) {
     QProcess bus;
     bus.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
     ASSERT_TRUE(bus.waitForReadyRead(5'000));
     const QByteArray address = bus.readAllStandardOutput().trimmed();
     qputenv("DBUS_SYSTEM_BUS_ADDRESS", address);
     QDBusConnection system = QDBusConnection::connectToBus(QString::fromLocal8Bit(address), "logind");
+    ASSERT_TRUE(system.registerService("org.freedesktop.login1"));
     FakeLogind logind;
     ASSERT_TRUE(system.registerVirtualObject("/org/freedesktop/login1", &logind));
-    ASSERT_TRUE(system.registerService("org.freedesktop.login1"));
-    {
-        const SleepInhibitor inhibitor;
-        EXPECT_TRUE(SleepInhibitor::isHeld());
-        EXPECT_TRUE(waitServingEvents(5s, [&logind] { return logind.kept.size() == 3; }));
-        waitServingEvents(100ms, [] { return false; });
-        EXPECT_EQ(logind.asked, QStringList({"Inhibit sleep block", "Inhibit shutdown block",
-                                             "Inhibit handle-lid-switch block", "Inhibit idle block"}));
-        EXPECT_EQ(logind.held(), 3) << "one that is refused does not take the others along";
-    }
+    EXPECT_TRUE(SleepInhibitor::isHeld());
+    ASSERT_TRUE(waitServingEvents(5s, [&logind] { return logind.kept.size() == 3; }));
+    EXPECT_EQ(logind.asked, QStringList({"Inhibit sleep block", "Inhibit shutdown block",
+                                         "Inhibit handle-lid-switch block", "Inhibit idle block"}));
+    EXPECT_EQ(logind.heldMeanwhile, 2) << "one that is refused does not take the others along";
     EXPECT_FALSE(SleepInhibitor::isHeld());
-    EXPECT_EQ(logind.held(), 0);
+    pollfd late{logind.kept.back(), POLLIN, 0};
+    ::poll(&late, 1, 5'000);
+    EXPECT_EQ(logind.held(), 0) << "the one that came late is given back as well";
     QDBusConnection::disconnectFromBus("logind");
     bus.terminate();
     bus.waitForFinished();
 }
 
 TEST(Sleep, ABusThatNeverAnswersDelaysNothing) {
-    const QTemporaryDir folder;
-    const QByteArray path = folder.filePath("bus").toLocal8Bit();
-    sockaddr_un address{AF_UNIX, {}};
-    qstrncpy(address.sun_path, path.constData(), sizeof address.sun_path);
-    const int bus = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    ASSERT_EQ(::bind(bus, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-    ASSERT_EQ(::listen(bus, 5), 0);
-    qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + path);
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unixexec:path=sleep,argv1=9");
     QElapsedTimer clock;
     clock.start();
-    { const SleepInhibitor inhibitor; }
+    std::make_unique<SleepInhibitor>().reset();
     EXPECT_LT(clock.elapsed(), 1'000);
-    ::close(bus);
     waitServingEvents(100ms, [] { return false; });
 }
