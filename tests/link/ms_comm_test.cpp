@@ -192,7 +192,6 @@ TEST_F(Port, IsClaimedThenSetAndTheSettingsAreReadBack) {
         {"sets another speed", false, 0, 0, [](termios& line) { ::cfsetspeed(&line, B19200); }},
         {"waits for a carrier", false, 0, 0, [](termios& line) { line.c_cflag &= ~tcflag_t{CLOCAL}; }},
         {"keeps XON/XOFF", false, 0, 0, [](termios& line) { line.c_iflag |= IXON; }},
-        {"changes line ends", false, 0, 0, [](termios& line) { line.c_oflag |= OPOST; }},
         {"echoes", false, 0, 0, [](termios& line) { line.c_lflag |= ECHO; }},
         {"reads nothing as a hang-up", false, 0, 0, [](termios& line) { line.c_cc[VMIN] = 0; }},
         {"holds bytes back", false, 0, 0, [](termios& line) { line.c_cc[VTIME] = 1; }},
