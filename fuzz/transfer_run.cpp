@@ -57,6 +57,16 @@ private:
     int due_ = 0;
 };
 
+/// An image without two blocks alike, so that no noise can stand in for one.
+QByteArray image() {
+    QByteArray bytes(kImageSize + 1, '\0');
+    for (qsizetype i = 0; i < kImageSize; i += 2) {
+        bytes[i] = static_cast<char>(i / 256);
+        bytes[i + 1] = static_cast<char>(i % 256 + i / 65'536);
+    }
+    return bytes;
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
@@ -66,7 +76,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     const std::uint8_t mode = input.byte();
     const bool saves = (mode & 1) != 0;
     const TransferJob job{.unit = kInterfaceUnit, .verificationTicked = (mode & 2) != 0, .file = "/dev/null/never"};
-    gImageBuf = QByteArray("firmware").leftJustified(kImageSize + 1, '\0');
+    gImageBuf = image();
     QStringList told;
     gLanguage = 1;
     setMessageBoxes([&told](const MessageBox& box) {
@@ -91,7 +101,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     if (saves || !told.contains("Succeed"))
         return 0;
     require(std::count(unit.sent.begin(), unit.sent.end(), "\x04") > 0, "a write that succeeds goes to its end");
-    const bool hasComeBack = unit.input.size() == 2 && gReadBuf == gImageBuf;
+    const bool hasComeBack = unit.input.size() <= 2 && gReadBuf == gImageBuf;
     require(!job.verificationTicked || hasComeBack, "a verification succeeds over what has come back");
     return 0;
 }
