@@ -52,7 +52,7 @@ QString devicePath(int number) {
     return *found;
 }
 
-/// What the operator can do about an open that fail with `error`.
+/// What the operator can do about an open that failed with `error`.
 QString remedy(int error) {
     switch (error) {
     case EACCES:
