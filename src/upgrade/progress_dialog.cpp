@@ -89,14 +89,14 @@ void frmWait::setBytes(int bytes) {
 
 void frmWait::refresh() {
     const std::chrono::milliseconds elapsed(sinceFirst_.isValid() ? sinceFirst_.elapsed() : 0);
-    prbComm->setFormat(progressText(elapsed, bytes_ - first_, prbComm->maximum() - bytes_));
+    prbComm->setFormat(progressText(elapsed, first_, bytes_, prbComm->maximum()));
     prbComm->setValue(bytes_);
 }
 
-QString progressText(std::chrono::milliseconds elapsed, int done, int rest) {
-    if (elapsed < std::chrono::seconds(1) || done <= 0)
+QString progressText(std::chrono::milliseconds elapsed, int first, int bytes, int total) {
+    if (elapsed < std::chrono::seconds(1) || bytes <= first)
         return QStringLiteral("%p%");
-    const auto left = std::chrono::ceil<std::chrono::seconds>(elapsed * rest / done);
+    const auto left = std::chrono::ceil<std::chrono::seconds>(elapsed * (total - bytes) / (bytes - first));
     return textByLanguage({u"%p%  (%1:%2 left)", u"%p%（残り %1:%2）"})
         .arg(left.count() / 60)
         .arg(left.count() % 60, 2, 10, QLatin1Char('0'));

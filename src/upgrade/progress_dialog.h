@@ -52,6 +52,6 @@ private:
     int bytes_ = 0;
 };
 
-/// Text of a QProgressBar: the share done, and the time that `rest` bytes take if `done` bytes have taken `elapsed`.
-/// The share alone before a second has been measured.
-QString progressText(std::chrono::milliseconds elapsed, int done, int rest);
+/// Text of a QProgressBar: the share done, and the time that the rest of `total` bytes takes if those from `first` to
+/// `bytes` have taken `elapsed`. The share alone before a second has been measured.
+QString progressText(std::chrono::milliseconds elapsed, int first, int bytes, int total);

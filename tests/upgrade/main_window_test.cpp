@@ -252,21 +252,21 @@ TEST_F(MainWindowTest, DuringARunOnlyClosingTheWindowActs) {
 TEST_F(MainWindowTest, TheProgressSaysTheTimeThatTheRestTakes) {
     struct Case {
         std::chrono::milliseconds elapsed;
-        int done;
-        int rest;
+        int bytes;
+        int total;
         const char* text;
     };
     const Case cases[] = {
-        {.elapsed = 999ms, .done = 10, .rest = 10, .text = "%p%"},
-        {.elapsed = 2s, .done = 0, .rest = 10, .text = "%p%"},
-        {.elapsed = 5s, .done = 100, .rest = 1'300, .text = "%p%  (1:05 left)"},
-        {.elapsed = 1'001ms, .done = 10, .rest = 10, .text = "%p%  (0:02 left)"},
-        {.elapsed = 67s, .done = 245'760, .rest = 0, .text = "%p%  (0:00 left)"},
+        {.elapsed = 999ms, .bytes = 20, .total = 30, .text = "%p%"},
+        {.elapsed = 2s, .bytes = 10, .total = 20, .text = "%p%"},
+        {.elapsed = 5s, .bytes = 110, .total = 1'410, .text = "%p%  (1:05 left)"},
+        {.elapsed = 1'001ms, .bytes = 20, .total = 30, .text = "%p%  (0:02 left)"},
+        {.elapsed = 67s, .bytes = 245'760, .total = 245'760, .text = "%p%  (0:00 left)"},
     };
     for (const Case& c : cases)
-        EXPECT_EQ(progressText(c.elapsed, c.done, c.rest), c.text);
+        EXPECT_EQ(progressText(c.elapsed, /*first*/ 10, c.bytes, c.total), c.text);
     gLanguage = 0;
-    EXPECT_EQ(progressText(30s, 100, 400), "%p%（残り 2:00）");
+    EXPECT_EQ(progressText(30s, 0, 100, 500), "%p%（残り 2:00）");
 }
 
 TEST_F(MainWindowTest, AnImageOfTheOtherUnitIsNotSent) {
