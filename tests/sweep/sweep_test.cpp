@@ -88,6 +88,10 @@ qsizetype dueRecords(const Fault& fault, const std::vector<std::string>& request
     return onlyOnce ? std::min<qsizetype>(asked, 1) : asked;
 }
 
+/// More records, for the same reason: after a start whose reply the program could not use, the unit asks for the image
+/// at once, and its start character may fall into the reply to the repeat.
+qsizetype possibleRecords(const Fault& fault, qsizetype due) { return fault.place == "300551010C00" ? due : 0; }
+
 /// Whether it explains a violation that the program cannot know that the unit is still at an answer for which it has
 /// waited long enough: nobody hears what it sends then. At the start of a download, it sends packets to the commands.
 bool explains(const Fault& fault, const std::string& violation) {
@@ -126,7 +130,10 @@ void sweep(const Fault& fault) {
         EXPECT_TRUE(!succeeded || waitServingEvents(30s, [&] { return session.isDone(); }));
         EXPECT_EQ(session.row(0) == "AMP-A 1.500", succeeded && fault.work == "Write");
     }
-    EXPECT_EQ(session.readFile("PelkLog.txt").count("[NG2]"), dueRecords(fault, session.requests()));
+    const auto due = dueRecords(fault, session.requests());
+    const auto records = session.readFile("PelkLog.txt").count("[NG2]");
+    EXPECT_GE(records, due);
+    EXPECT_LE(records, due + possibleRecords(fault, due));
     for (const std::string& violation : session.simulator->violations())
         EXPECT_TRUE(explains(fault, violation)) << violation;
     if (!session.hasEnded && !session.isDone())
