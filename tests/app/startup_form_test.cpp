@@ -142,7 +142,7 @@ TEST_F(StartUp, SetTriesTwiceAndThenTellsThePort) {
     plug({"silence@0501*3"});
     form.load();
     ASSERT_EQ(user.said(), QStringList{"An error is in a setup of a COM port.Please check."});
-    EXPECT_EQ(user.boxes().back().icon, QMessageBox::Warning);
+    EXPECT_EQ(user.boxes().back().style, kExclamation);
     QTimer::singleShot(0, &form, [this] { chooseAndSet(1); });  // an impatient operator
     chooseAndSet(1);
     EXPECT_EQ(user.said(), QStringList{"The present communication port(COM1)is not effective."});

@@ -1,4 +1,4 @@
-/// main() of every test program that needs Qt: no display, nothing of the user's.
+/// main() of every test program that needs Qt: no display, nothing of the user's, not even the language.
 #include <QApplication>
 #include <QTemporaryDir>
 
@@ -10,6 +10,7 @@ int main(int argc, char* argv[]) {
     for (const char* folder : {"XDG_RUNTIME_DIR", "XDG_CONFIG_HOME"})
         qputenv(folder, runtimeFolder.path().toLocal8Bit());
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("LC_ALL", "C.UTF-8");
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     return RUN_ALL_TESTS();

@@ -5,7 +5,7 @@
 
 #include <QStringList>
 
-#include <deque>
+#include <utility>
 #include <vector>
 
 /// Answers boxes for as long as it lives.
@@ -14,18 +14,15 @@ public:
     User() {
         setMessageBoxes([this](const MessageBox& box) {
             boxes_.push_back(box);
-            const MsgBoxResult answer = answers_.empty() ? kOk : answers_.front();
-            if (!answers_.empty())
-                answers_.pop_front();
-            return answer;
+            return nextAnswer();
         });
     }
-    ~User() { setMessageBoxes({}); }
+    virtual ~User() { setMessageBoxes({}); }
     User(const User&) = delete;
     User& operator=(const User&) = delete;
 
-    /// Answers the next box that has not got its answer yet; later boxes get OK.
-    void answerNext(MsgBoxResult answer) { answers_.push_back(answer); }
+    /// Answers the next box; later boxes get OK.
+    void answerNext(MsgBoxResult answer) { next_ = answer; }
 
     const std::vector<MessageBox>& boxes() const { return boxes_; }
 
@@ -37,8 +34,12 @@ public:
         return texts.replaceInStrings("\n", " / ");
     }
 
-private:
+protected:
+    MsgBoxResult nextAnswer() { return std::exchange(next_, kOk); }
+
     std::vector<MessageBox> boxes_;
+
+private:
     std::size_t told_ = 0;
-    std::deque<MsgBoxResult> answers_;
+    MsgBoxResult next_ = kOk;
 };
