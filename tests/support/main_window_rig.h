@@ -31,6 +31,7 @@ public:
         gAmpVersion = "0.500";
         gIfuTypeName = "IFU-D";
         gIfuVersion = "1.004";
+        writeImage("amp.bin", "AMPKEY", 13500);
         gFileTypeName = gFileVersion = gLoadFileName = QString();
         gWaits.tick = 1ms;
         gWaits.verificationPause = 20ms;
@@ -48,7 +49,7 @@ public:
         button("cmdLoading").click();
     }
 
-    /// Lets `act` work the file dialog that the next click opens, and closes the dialog if that does not.
+    /// Lets `act` work the file dialog that the next click opens; closes it if `act` does not.
     void inDialog(const std::function<void(QFileDialog&)>& act) {
         QTimer::singleShot(0, &window, [act] {
             auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
@@ -78,6 +79,15 @@ public:
     void upgrade() {
         button("cmdUpgrade").click();
         awaitEnd();
+    }
+
+    /// Lets `look` look, again and again, from the time when the units have noted `text` to the next box.
+    void meanwhile(const std::string& text, const std::function<void()>& look) {
+        probe_.callOnTimeout([this, text, look] {
+            if (progressDialog() != nullptr && simulator->hasNoted(text) && user.boxes().empty())
+                look();
+        });
+        probe_.start(1ms);
     }
 
     /// What the operator can do, and the cursor that the screen shows over the window, whatever the widgets ask for.
@@ -125,6 +135,7 @@ private:
     }
 
     std::chrono::milliseconds longestRun_ = 30s;
+    QTimer probe_;
 };
 
 class MainWindowTest : public testing::Test, protected MainWindowRig {};

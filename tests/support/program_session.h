@@ -17,7 +17,6 @@ public:
         waitAsInReality();
         writeFile("Setting.INI", "[OPERATION]\nLanguage=ENGLISH\n[IFU]\nCOM=1\n");
         writeFile("TYPE.INI", readFile("TYPE.INI") + "[IFU_TYPE]\nSV-IFU16=D\n");
-        writeImage("image.bin", "AMPKEY", 13500);
         writeFile("saved.bin", "old");
         options.amplifierFirmware = units::makeImage("AMPKEY", 12500, 3);
         options.uploadBlocks = verifies ? 1'920 : 9;
@@ -41,7 +40,7 @@ public:
         if (saves_) {
             save("saved.bin");
         } else {
-            load("image.bin");
+            load("amp.bin");
             upgrade();
         }
         return user.said().filter(QRegularExpression("^(Succeed|Failed)$"));
@@ -50,7 +49,7 @@ public:
     /// Whether the work has come to its end: the image is in the unit, or the firmware in the file.
     bool isDone() const {
         const auto unit = units::Unit::amplifier;
-        return saves_ ? isSaved("saved.bin", unit) : readFile("image.bin") == firmware(unit);
+        return saves_ ? isSaved("saved.bin", unit) : readFile("amp.bin") == firmware(unit);
     }
 
     bool offersPorts() const { return form.isVisible() && form.findChild<QPushButton*>("cmdTest")->isVisible(); }

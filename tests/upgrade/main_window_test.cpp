@@ -77,8 +77,7 @@ TEST_F(MainWindowTest, WithoutTypeTablesTheProgramEnds) {
 }
 
 TEST_F(MainWindowTest, TheKeyboardVisitsEachControl) {
-    writeImage("a.bin", "AMPKEY", 13500);
-    load("a.bin");
+    load("amp.bin");
     QStringList visited;
     for (int i = 0; i < 6; ++i) {
         QWidget* focused = window.focusWidget();
@@ -91,12 +90,7 @@ TEST_F(MainWindowTest, TheKeyboardVisitsEachControl) {
 }
 
 TEST_F(MainWindowTest, AnImageIsNamedByTheTypeTables) {
-    struct Case {
-        const char* typeKey;
-        std::uint16_t version;
-        const char* row;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, std::uint16_t, const char*> cases[] = {
         {"AMPKEY", 13500, "AMP-A 1.500"},
         {"ampkey", 22050, "AMP-B 0.050"},
         {"\xb1\xdd\xcc\xdf", 13500, "AMP-A 1.500"},
@@ -107,12 +101,12 @@ TEST_F(MainWindowTest, AnImageIsNamedByTheTypeTables) {
         {"OTHER", 13500, " "},
         {"IFUKEY", 0x8000, "IFU-D 0.000"},
     };
-    for (const Case& c : cases) {
-        writeImage("a.bin", c.typeKey, c.version);
-        load("a.bin");
-        EXPECT_EQ(row(2), c.row) << c.typeKey << " " << c.version;
+    for (const auto& [typeKey, version, name] : cases) {
+        writeImage("amp.bin", typeKey, version);
+        load("amp.bin");
+        EXPECT_EQ(row(2), name) << typeKey << " " << version;
         EXPECT_TRUE(button("cmdUpgrade").isEnabled());
-        EXPECT_EQ(gImageBuf, readFile("a.bin") + '\0');
+        EXPECT_EQ(gImageBuf, readFile("amp.bin") + '\0');
     }
     EXPECT_EQ(state(), kReady);
     EXPECT_EQ(user.said().filter("Overflow").size(), 1) << "the version word that has no place";
@@ -124,10 +118,9 @@ TEST_F(MainWindowTest, WhatIsNoImageChangesNothing) {
     ASSERT_EQ(::mkfifo(qPrintable(file("pipe")), 0600), 0);
     ASSERT_TRUE(QFile::link("/dev/zero", file("zeros")));
     ASSERT_TRUE(QDir().mkdir(file("folder")));
-    writeImage("a.bin", "AMPKEY", 13500);
     for (const bool earlier : {false, true}) {
         if (earlier)
-            load("a.bin");
+            load("amp.bin");
         for (const char* name : {"short", "long", "pipe", "zeros", "folder"}) {
             load(name);
             EXPECT_EQ(button("cmdUpgrade").isEnabled(), earlier) << name;
@@ -135,18 +128,17 @@ TEST_F(MainWindowTest, WhatIsNoImageChangesNothing) {
         }
     }
     EXPECT_EQ(row(2), "AMP-A 1.500");
-    EXPECT_EQ(gImageBuf, readFile("a.bin") + '\0') << "the earlier image stays";
+    EXPECT_EQ(gImageBuf, readFile("amp.bin") + '\0') << "the earlier image stays";
     EXPECT_TRUE(user.boxes().empty());
 }
 
 TEST_F(MainWindowTest, AnImageThatCannotBeReadIsNotLoaded) {
-    writeImage("a.bin", "AMPKEY", 13500);
-    load("a.bin");
+    load("amp.bin");
     inDialog([this](QFileDialog& dialog) {
-        dialog.selectFile(file("a.bin"));
+        dialog.selectFile(file("amp.bin"));
         QMetaObject::invokeMethod(&dialog, "accept");
         // After the look at its length, before the reading.
-        QTimer::singleShot(0, &window, [this] { writeFile("a.bin", "cut"); });
+        QTimer::singleShot(0, &window, [this] { writeFile("amp.bin", "cut"); });
     });
     button("cmdLoading").click();
     EXPECT_EQ(user.said().filter("the file ends after 3 of 245760 bytes").size(), 1);
@@ -169,7 +161,6 @@ TEST_F(MainWindowTest, AFileThatDoesNotExistIsReported) {
 }
 
 TEST_F(MainWindowTest, UpgradesEitherUnit) {
-    writeImage("amp.bin", "AMPKEY", 13500);
     writeImage("ifu.bin", "IFUKEY", 2345);
     options.interfaceCheck = units::CheckMode::sum;
     unitsWith({});
@@ -204,21 +195,15 @@ protected:
 };
 
 TEST_F(MainWindowTest, DuringARunOnlyClosingTheWindowActs) {
-    writeImage("amp.bin", "AMPKEY", 13500);
     unitsWith({"delay:300@packet900"});
     gWaits.progressPainting = 1ms;
     load("amp.bin");
-    bool ended = false;
-    setProgramEnd([&ended] { ended = true; });
+    int ends = 0;
+    setProgramEnd([&ends] { ++ends; });
     Paintings paintings;
-    QTimer probe;
-    probe.callOnTimeout([&] {
+    meanwhile("packet 1", [&] { progressDialog()->findChild<QProgressBar*>()->installEventFilter(&paintings); });
+    meanwhile("packet 899", [&] {
         QWidget* dialog = progressDialog();
-        if (dialog == nullptr || !dialog->isVisible())
-            return;
-        dialog->findChild<QProgressBar*>()->installEventFilter(&paintings);
-        if (ended || !simulator->hasNoted("packet 899"))
-            return;
         EXPECT_EQ(state(), kRunning);
         EXPECT_TRUE(dialog->isEnabled());
         EXPECT_FALSE(dialog->findChild<QPushButton*>("cmdCancel")->isVisible());
@@ -227,31 +212,24 @@ TEST_F(MainWindowTest, DuringARunOnlyClosingTheWindowActs) {
         button("cmdUpgrade").click();
         window.close();
     });
-    probe.start(1ms);
     upgrade();
-    EXPECT_TRUE(ended) << "closing the main window ends the program, also while a transfer runs";
+    EXPECT_GT(ends, 0) << "closing the main window ends the program, also while a transfer runs";
     EXPECT_GT(paintings.count, 0);
-    ended = false;
+    ends = 0;
     button("cmdEnd").click();
-    EXPECT_TRUE(ended);
+    EXPECT_EQ(ends, 1);
 }
 
 TEST_F(MainWindowTest, TheProgressSaysTheTimeThatTheRestTakes) {
-    struct Case {
-        std::chrono::milliseconds elapsed;
-        int bytes;
-        int total;
-        const char* text;
+    const std::tuple<std::chrono::milliseconds, int, int, const char*> cases[] = {
+        {999ms, 20, 30, "%p%"},
+        {2s, 10, 20, "%p%"},
+        {5s, 110, 1'410, "%p%  (1:05 left)"},
+        {1'001ms, 20, 30, "%p%  (0:02 left)"},
+        {67s, 245'760, 245'760, "%p%  (0:00 left)"},
     };
-    const Case cases[] = {
-        {.elapsed = 999ms, .bytes = 20, .total = 30, .text = "%p%"},
-        {.elapsed = 2s, .bytes = 10, .total = 20, .text = "%p%"},
-        {.elapsed = 5s, .bytes = 110, .total = 1'410, .text = "%p%  (1:05 left)"},
-        {.elapsed = 1'001ms, .bytes = 20, .total = 30, .text = "%p%  (0:02 left)"},
-        {.elapsed = 67s, .bytes = 245'760, .total = 245'760, .text = "%p%  (0:00 left)"},
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(progressText(c.elapsed, /*first*/ 10, c.bytes, c.total), c.text);
+    for (const auto& [elapsed, bytes, total, text] : cases)
+        EXPECT_EQ(progressText(elapsed, /*first*/ 10, bytes, total), text);
     gLanguage = 0;
     EXPECT_EQ(progressText(30s, 0, 100, 500), "%p%（残り 2:00）");
 }
@@ -268,7 +246,6 @@ TEST_F(MainWindowTest, AnImageOfTheOtherUnitIsNotSent) {
 }
 
 TEST_F(MainWindowTest, AFailedCheckIsTheOperatorsToDecide) {
-    writeImage("amp.bin", "AMPKEY", 13500);
     unitsWith({"response:2203@0101D4*2"});
     load("amp.bin");
     user.answerNext(kCancel);
@@ -282,7 +259,6 @@ TEST_F(MainWindowTest, AFailedCheckIsTheOperatorsToDecide) {
 }
 
 TEST_F(MainWindowTest, ADryRunEndsAfterTheCheck) {
-    writeImage("amp.bin", "AMPKEY", 13500);
     unitsWith({});
     load("amp.bin");
     window.findChild<QLabel*>("LabelWriteProtect")->show();

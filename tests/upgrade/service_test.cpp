@@ -5,10 +5,7 @@
 /// The window for service engineers.
 class ServiceTest : public MainWindowTest {
 protected:
-    ServiceTest() {
-        window.showServiceControls();
-        writeImage("amp.bin", "AMPKEY", 13500);
-    }
+    ServiceTest() { window.showServiceControls(); }
 
     void tickVerification() { window.findChild<QCheckBox*>("chkVerify")->click(); }
 
@@ -16,33 +13,7 @@ protected:
     static bool offersCancel() {
         return progressDialog() != nullptr && progressDialog()->findChild<QPushButton*>("cmdCancel")->isVisible();
     }
-
-    /// Lets `look` look at the window, again and again, from the time when the units have noted `text` to the next box.
-    void meanwhile(const std::string& text, const std::function<void()>& look) {
-        probe_.callOnTimeout([this, text, look] {
-            if (progressDialog() != nullptr && simulator->hasNoted(text) && user.boxes().empty())
-                look();
-        });
-        probe_.start(1ms);
-    }
-
-private:
-    QTimer probe_;
 };
-
-TEST_F(ServiceTest, ASavedFirmwareIsWrittenBack) {
-    options.amplifierFirmware = units::makeImage("AMPKEY", 12500, 3);
-    unitsWith({});
-    save("saved.bin");
-    EXPECT_EQ(readFile("saved.bin"), firmware());
-    load("saved.bin");
-    EXPECT_EQ(row(2), "AMP-A 0.500");
-    upgrade();
-    save("saved again.bin");
-    EXPECT_EQ(readFile("saved again.bin"), readFile("saved.bin"));
-    EXPECT_EQ(user.said(), QStringList({"Succeed", "Succeed", "Succeed"}));
-    EXPECT_TRUE(simulator->violations().empty());
-}
 
 TEST_F(ServiceTest, AVerifiedRunKeepsItsUnitToItsLastCommand) {
     unitsWith({});
