@@ -3,7 +3,6 @@
 #include "support/program.h"
 #include "support/user.h"
 
-
 class IniFile : public ProgramTest {
 protected:
     QString read(const char* section, const QString& key) { return fncGetIniString(QLatin1String(section), key, path); }
