@@ -3,11 +3,15 @@
 #include "support/program.h"
 #include "support/user.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 class IniFile : public ProgramTest {
 protected:
     QString read(const char* section, const QString& key) { return fncGetIniString(QLatin1String(section), key, path); }
 
     const QString path = file("a.ini");
+    User user;
 };
 
 TEST_F(IniFile, ValuesFollowTheReadingRules) {
@@ -21,6 +25,7 @@ TEST_F(IniFile, ValuesFollowTheReadingRules) {
     for (const auto& [key, value] : cases)
         EXPECT_EQ(read("one", QLatin1String(key)), value) << key;
     EXPECT_EQ(fncGetIniString("one", "plain", file("missing.ini")), "");
+    EXPECT_EQ(user.said(), QStringList());
 }
 
 TEST_F(IniFile, IsUtf8IfItCanBeElseCp932) {
@@ -34,7 +39,6 @@ TEST_F(IniFile, IsUtf8IfItCanBeElseCp932) {
 }
 
 TEST_F(IniFile, AFileThatCannotBeReadIsReportedWithTheReason) {
-    User user;
     const auto reported = [](const QString& reason) {
         return QStringList("アプリケーションで異常が発生しました。 / RES : " + reason);
     };
@@ -48,6 +52,14 @@ TEST_F(IniFile, AFileThatCannotBeReadIsReportedWithTheReason) {
         EXPECT_EQ(user.said(), reported(path + ": " + reason)) << make;
         ::remove(qPrintable(path));
     }
+    writeFile("a.ini", "[s]\nk = v\n");
+    ::chmod(qPrintable(file("")), 0755);
+    ::chmod(qPrintable(path), 0);
+    const uid_t self = ::geteuid();
+    std::ignore = ::seteuid(65'534);  // fails for whoever is not root, who may read everything
+    EXPECT_EQ(read("s", "k"), "");
+    std::ignore = ::seteuid(self);
+    EXPECT_EQ(user.said(), reported(path + ": Permission denied"));
 }
 
 TEST(List, KeepsEmptyItemsTrimsAndStopsAt101) {

@@ -39,6 +39,7 @@ TEST_F(Settings, LanguageAndPortComeFromTheFile) {
         // text, what it stands for, text, what it stands for
         {"JAPANESE ' remark", 0, "3", 3},
         {"japanese", 1, "abc", 1},
+        {"E", 1, "3x", 1},
         {"E", 1, "-1", -1},
         {"E", 1, "1 6", 1},
     };

@@ -91,7 +91,7 @@ TEST_F(StartUp, EndsTheProgramOrHandsOverAfterWhatTheUnitsAnswer) {
         {"bcc@0101D5", 4, nullptr, {}},
         {"endcode:12@0501#2", 5, nullptr, {}},
         {"data:00x1@0601", 2, nullptr, {"Application error. / RES : 0000"}},
-        {"data:0010@0601", 2, nullptr, {text(IDS_MSGERR_NOTONLY_ONE_SENSOR)}},
+        {"data:0002@0601", 2, nullptr, {text(IDS_MSGERR_NOTONLY_ONE_SENSOR)}},
         {"data:00 0@0601", 2, nullptr, {notConnected}},
         {"data:01 2@0601", 2, nullptr, {notConnected}},
     };
@@ -113,6 +113,7 @@ TEST_F(StartUp, EndsTheProgramOrHandsOverAfterWhatTheUnitsAnswer) {
         EXPECT_EQ(requests(), std::vector<std::string>(all.begin(), all.begin() + count)) << fault;
         EXPECT_EQ(simulator->violations(), std::vector<std::string>{}) << fault;
     }
+    EXPECT_EQ(user.boxes().at(2).style, kQuestion) << "two sensors";
 }
 
 TEST_F(StartUp, AFailedFirstTestOffersThePortsInTheLanguageOfTheSettings) {
