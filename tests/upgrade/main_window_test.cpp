@@ -1,4 +1,5 @@
 #include "support/main_window_rig.h"
+#include "widgets/form_texts.h"
 
 #include <QAccessible>
 #include <QDir>
@@ -34,6 +35,7 @@ TEST_F(MainWindowTest, ShowsAndReadsAloudItsTextsInBothLanguages) {
         form.createHidden();
         form.showProgress();
         EXPECT_EQ(form.windowTitle(), "Dravolt ver1.004");
+        EXPECT_EQ(gFilterText.section(u'|', 0, 0), gLanguage == 0 ? "Binファイル (*.bin)" : "Bin File (*.bin)");
         EXPECT_EQ(progressDialog()->windowTitle(), gLanguage == 0 ? "ドラボルト" : "Dravolt");
         for (const auto& [name, english, japanese] : texts) {
             auto* control = form.findChild<QWidget*>(name);
