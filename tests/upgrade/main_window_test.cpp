@@ -35,6 +35,9 @@ TEST_F(MainWindowTest, ShowsAndReadsAloudItsTextsInBothLanguages) {
         form.createHidden();
         form.showProgress();
         EXPECT_EQ(form.windowTitle(), "Dravolt ver1.004");
+        for (const char* name : {"lblTitle(2)", "chkVerify", "cmdEnd", "lblService"})
+            EXPECT_EQ(form.findChild<QWidget*>(name)->font().family(), gLanguage == 0 ? "ＭＳ Ｐゴシック" : "Arial")
+                << name;
         EXPECT_EQ(gFilterText.section(u'|', 0, 0), gLanguage == 0 ? "Binファイル (*.bin)" : "Bin File (*.bin)");
         EXPECT_EQ(progressDialog()->windowTitle(), gLanguage == 0 ? "ドラボルト" : "Dravolt");
         for (const auto& [name, english, japanese] : texts) {
