@@ -7,7 +7,7 @@
 /// Runs on a real port, with simulated units or foreign programs behind it.
 class RawLineTest : public UnitsTest {
 protected:
-    RawLineTest() { gImageBuf = bytesOf(units::makeImage("SVA-STD", 13500, 7)) + '\0'; }
+    RawLineTest() { gImageBuf = someImage() + '\0'; }
 
     /// Lets the run come to its end. @return what the program says
     QStringList end() {
