@@ -4,7 +4,6 @@
 /// the unit does: see HostileUnit. When the input is used up, the unit is silent.
 #include "link/protocol_words.h"
 #include "support/input.h"
-#include "support/require.h"
 #include "text/message_box.h"
 #include "text/string_table.h"
 #include "transfer/memory_line.h"
@@ -25,21 +24,32 @@ public:
         MemoryLine::operation(code, unit);
         return script_.byte() < 0xE0 ? QString(kNormalEnd) : QStringLiteral("2203");
     }
+    int fncSendRaw(const QByteArray& bytes) override {
+        const bool isDue = bytes.size() > 1 ? bytes == packetOf(acknowledged_ + 1, gImageBuf, bytes.size() == 133)
+                                            : bytes[0] != kEot || acknowledged_ == 1'920;
+        require(isDue, "only what is due goes out");
+        return MemoryLine::fncSendRaw(bytes);
+    }
     /// The next block; above: any bytes, after their number.
     QByteArray received() override {
         return next() < 0xE0 ? MemoryLine::received() : QByteArray::fromStdString(script_.bytes(script_.byte()));
     }
 
 protected:
-    /// What is due; to 0xEF: any byte; above: nothing in time.
     std::optional<char> answer() override {
+        const std::optional<char> byte = nextAnswer();
+        acknowledged_ += byte == kAck && !sent.isEmpty() ? 1 : 0;
+        return byte;
+    }
+
+private:
+    /// What is due; to 0xEF: any byte; above: nothing in time.
+    std::optional<char> nextAnswer() {
         const std::uint8_t what = next();
         if (what < 0xE0)
             return MemoryLine::answer();
         return what < 0xF0 ? std::optional(static_cast<char>(script_.byte())) : std::nullopt;
     }
-
-private:
     /// What the unit sends next. 0 to 0xDF: what is due, 16 times so often and once more.
     std::uint8_t next() {
         if (due_ == 0) {
@@ -54,6 +64,7 @@ private:
 
     Input& script_;
     int due_ = 0;
+    int acknowledged_ = 0;  ///< packets
 };
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {

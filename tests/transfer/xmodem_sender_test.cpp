@@ -1,6 +1,5 @@
 #include "transfer/xmodem_sender.h"
 
-#include "fuzz/support/packets.h"
 #include "support/print.h"
 #include "text/string_table.h"
 #include "transfer/memory_line.h"
