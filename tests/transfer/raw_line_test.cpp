@@ -33,19 +33,6 @@ TEST_F(RawLineTest, AForeignReceiverGetsTheVeryImage) {
     }
 }
 
-TEST_F(RawLineTest, SavesWhatComesHoweverItComes) {
-    options.uploadBlocks = 9;
-    for (const char* fault : {"", "split:1@block3", "splitat:1,20@block*all", "splitat:131,20@block*all",
-                              "noise:ff180600@block*all", "noise:ff@eot1", "noise:ff@eot2"}) {
-        unitsWith({fault});
-        run.read({.file = file("saved.bin")});
-        EXPECT_EQ(end(), QStringList("Succeed")) << fault;
-        EXPECT_EQ(readFile("saved.bin"), firmware().left(9 * 128).leftJustified(kImageSize, '\0')) << fault;
-        EXPECT_TRUE(simulator->violations().empty()) << fault;
-        QFile::remove(file("saved.bin"));
-    }
-}
-
 TEST_F(RawLineTest, AStepOfAReadDoesNotWaitForTheTick) {
     gWaits.tick = 2'000ms;
     options.uploadBlocks = 300;

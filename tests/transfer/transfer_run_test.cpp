@@ -55,10 +55,10 @@ TEST_F(Run, AWriteSaysHowItWentAfterItHasBeenClosed) {
     const Case cases[] = {
         {"good", false, "", "C\6", "50, 51, progress, " + succeeds},
         {"50 at the third attempt", false, "50 50", "C\6", "50, 50, 50, 51, progress, " + succeeds},
-        {"50 refused", false, "50 50 50", "", "50, 50, 50, " + fails},
+        {"50 refused", false, "50 50 50", "C\6", "50, 50, 50, " + fails},
         {"51 at the third attempt", false, "51 51", "C\6", "50, 51, 51, 51, progress, " + succeeds},
-        {"51 refused", false, "51 51 51", "", refused51 + fails},
-        {"51 refused, to be verified", true, "51 51 51", "", refused51 + "54, release, Failed, cursor"},
+        {"51 refused", false, "51 51 51", "C\6", refused51 + fails},
+        {"51 refused, to be verified", true, "51 51 51", "C\6", refused51 + "54, release, Failed, cursor"},
         {"cancelled", false, "", "C\6\x18", "50, 51, progress, " + error + "Block 2 of 1920: " + cancelled + fails},
         {"cancelled, to be verified", true, "", "\x18",
          "50, 51, progress, " + error + "Before the first block: " + cancelled + fails},
