@@ -111,12 +111,8 @@ TEST_F(Port, ThatIsMissingIsToldFromOneThatDoesNotOpen) {
     const QString notOpening =
         "通信ポートが開けません。通信ポートを使用するアプリケーションを終了して再度起動して下さい。";
     const QString noPort = "。シリアルポートではありません";
-    struct Case {
-        int number;
-        QString box;
-        QString causeEnd;
-    };
-    const Case cases[] = {
+    const std::tuple<int, QString, QString> cases[] = {
+        // number, box, end of the cause
         {0, missing.arg(0), ""},
         {4, missing.arg(4), " の先の /nowhere がありません。アダプターが抜けているか、リンクが古くなっています"},
         {300, missing.arg(300), file("com300") + " もデバイス /dev/ttyS299 もありません"},

@@ -76,11 +76,8 @@ TEST(Units, RefuseUnknownCommands) {
 }
 
 TEST(Units, KeepTheOrderOfOperations) {
-    struct Case {
-        const char* fault;
-        Texts orders;  ///< open 0, download 1, upload 2, finish 3, end of transfer 4; "!" after a refused one
-    };
-    const Case cases[] = {
+    const std::pair<const char*, Texts> cases[] = {
+        // fault; open 0, download 1, upload 2, finish 3, end of transfer 4, and "!" after a refused one
         {"lost@0601", {"0143", "00143343", "243", "04301", "1!", "01431!", "2431!", "4!", "3!", "03!", "014303!"}},
         {"response:1001@300550", {"01!", "043"}},
         {"silence@300550", {"01!", "043"}},
@@ -105,12 +102,8 @@ TEST(Units, KeepTheOrderOfOperations) {
 
 TEST(Units, RefuseEverySingleBitError) {
     Units units;
-    struct Case {
-        Machine& machine;
-        std::string good;
-        std::string refusal;
-    };
-    const Case cases[] = {
+    const std::tuple<Machine&, std::string, std::string> cases[] = {
+        // machine, good bytes, answer to bad ones
         {units.commands, request("0501"), ""},
         {units.download, packet(1), "\x15"},
         {units.downloadWithSums, packet(1, CheckMode::sum), "\x15"},
@@ -130,13 +123,8 @@ TEST(Units, RefuseEverySingleBitError) {
 }
 
 TEST(Units, ComplainOfWhatDoesNotBelongToADownload) {
-    struct Case {
-        unsigned packetsBefore;
-        std::string bytes;
-        std::string answer;
-        Texts complaints;
-    };
-    const Case cases[] = {
+    const std::tuple<unsigned, std::string, std::string, Texts> cases[] = {
+        // packets before, bytes, answer, complaints
         {3, packet(5), "", {"packet number 5 after 3 blocks"}},
         {0, packet(0), "", {"packet number 0 after 0 blocks"}},
         {3, packet(2), "", {"packet number 2 after 3 blocks"}},
@@ -151,15 +139,15 @@ TEST(Units, ComplainOfWhatDoesNotBelongToADownload) {
         {0, "\x18\x18", "", {}},
         {7, "\x01\x08\xF7\x01\x18\x18", "", {}},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(std::to_string(c.packetsBefore) + " packets, then " + hexDump(bytesOf(c.bytes)).substr(0, 20));
+    for (const auto& [packets, bytes, answer, complaints] : cases) {
+        SCOPED_TRACE(std::to_string(packets) + " packets, then " + hexDump(bytesOf(bytes)).substr(0, 20));
         Units units;
-        for (unsigned number = 1; number <= c.packetsBefore; ++number)
+        for (unsigned number = 1; number <= packets; ++number)
             ASSERT_EQ(feed(units.download, packet(number)), "\x06") << number;
-        EXPECT_EQ(feed(units.download, c.bytes), c.answer);
+        EXPECT_EQ(feed(units.download, bytes), answer);
         beSilent(units.download);
-        EXPECT_EQ(units.journal.violations(), c.complaints);
-        EXPECT_EQ(units.download.over(), c.complaints.empty());
+        EXPECT_EQ(units.journal.violations(), complaints);
+        EXPECT_EQ(units.download.over(), complaints.empty());
     }
 }
 

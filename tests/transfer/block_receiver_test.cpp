@@ -9,12 +9,8 @@ using namespace std::chrono_literals;
 TEST(BlockReceiver, FindsBlocksAndEotsInWhateverComes) {
     const QByteArray block = QByteArray::fromHex("0105fa") + QByteArray(128, '\x04') + '\x77';
     const auto hex = [](const char* text) { return QByteArray::fromHex(text); };
-    struct Case {
-        const char* name;
-        QList<QByteArray> pieces;
-        PollResult last;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, QList<QByteArray>, PollResult> cases[] = {
+        // name, pieces, result of the last one
         {"a block", {block}, kBlock},
         {"a block in three pieces", {block.left(1), block.mid(1, 130), block.right(1)}, kBlock},
         {"a block that has begun", {block.left(131), ""}, kIncomplete},
@@ -30,15 +26,13 @@ TEST(BlockReceiver, FindsBlocksAndEotsInWhateverComes) {
         {"NAK", {hex("15") + block}, kNakCame},
         {"C", {hex("43") + block}, kStartCame},
     };
-    for (const Case& c : cases) {
+    for (const auto& [name, pieces, last] : cases) {
         BlockReceiver receiver(3s, {});
         PollResult result = kNothing;
-        for (const QByteArray& piece : c.pieces)
+        for (const QByteArray& piece : pieces)
             result = receiver.take(piece, {});
-        EXPECT_EQ(result, c.last) << c.name;
-        if (result == kBlock) {
-            EXPECT_EQ(receiver.data(), QByteArray(128, '\x04')) << c.name;
-        }
+        EXPECT_EQ(result, last) << name;
+        EXPECT_EQ(result == kBlock ? receiver.data() : QByteArray(128, '\x04'), QByteArray(128, '\x04')) << name;
     }
 }
 

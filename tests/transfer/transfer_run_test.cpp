@@ -45,14 +45,8 @@ TEST_F(Run, AWriteSaysHowItWentAfterItHasBeenClosed) {
     const QString refused51 =
         "50, 51, 51, 51, " + error + "The unit did not carry out command 51 in three attempts; its last answer: 2203, ";
     const QString cancelled = "the unit cancelled the transfer (CAN), ";
-    struct Case {
-        const char* name;
-        bool isVerified;
-        const char* refused;
-        QByteArray answers;
-        QString story;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, bool, QString, QByteArray, QString> cases[] = {
+        // name, verified, refused commands, answers to the packets, story
         {"good", false, "", "C\6", "50, 51, progress, " + succeeds},
         {"50 at the third attempt", false, "50 50", "C\6", "50, 50, 50, 51, progress, " + succeeds},
         {"50 refused", false, "50 50 50", "C\6", "50, 50, 50, " + fails},
@@ -63,11 +57,11 @@ TEST_F(Run, AWriteSaysHowItWentAfterItHasBeenClosed) {
         {"cancelled, to be verified", true, "", "\x18",
          "50, 51, progress, " + error + "Before the first block: " + cancelled + fails},
     };
-    for (const Case& c : cases) {
-        line.refusals = QString(c.refused).split(' ');
-        line.answers = c.answers;
-        run.write({.verificationTicked = c.isVerified});
-        EXPECT_EQ(story(), c.story) << c.name;
+    for (const auto& [name, isVerified, refused, answers, expected] : cases) {
+        line.refusals = refused.split(' ');
+        line.answers = answers;
+        run.write({.verificationTicked = isVerified});
+        EXPECT_EQ(story(), expected) << name;
     }
 }
 
@@ -82,30 +76,23 @@ TEST_F(Run, AVerificationSucceedsOnlyOverWhatItHasReadItself) {
     QByteArray lastByteDiffers = image;
     lastByteDiffers.back() ^= 1;
     const QString begins = "52, progress, ";
-    struct Case {
-        const char* name;
-        QByteArray image;
-        QByteArrayList input;
-        bool isGone;  ///< the port, after the write
-        QString begin;
-        const char* result;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, QByteArray, QByteArrayList, bool, QString, const char*> cases[] = {
+        // name, image, what comes back, whether the port is gone after the write, begin and result of the read-back
         {"same", image, upload(image), false, begins, "Succeed"},
         {"the port is gone, after one that was the same", image, {}, true, error + "closed, ", "Failed"},
         {"last byte differs", image, upload(lastByteDiffers), false, begins, "Failed"},
         {"a block more", image, upload(image + QByteArray(128, 'x')), false, begins, "Failed"},
         {"nothing comes for zeros", QByteArray(kImageSize, 0), {}, false, begins, "Failed"},
     };
-    for (const Case& c : cases) {
-        gImageBuf = c.image + '\0';
+    for (const auto& [name, written, input, isGone, begin, result] : cases) {
+        gImageBuf = written + '\0';
         line.isGone = false;
-        line.input = c.input;
+        line.input = input;
         run.write({.verificationTicked = true});
-        line.isGone = c.isGone;
-        EXPECT_EQ(story(), "50, 51, progress, 54, verification, " + c.begin + "54, 54, 53, close, release, " +
-                               c.result + ", raise, cursor")
-            << c.name;
+        line.isGone = isGone;
+        EXPECT_EQ(story(), "50, 51, progress, 54, verification, " + begin + "54, 54, 53, close, release, " + result +
+                               ", raise, cursor")
+            << name;
     }
 }
 
@@ -114,29 +101,22 @@ TEST_F(Run, ASaveWritesTheFileAfterTheSecondEotAlone) {
                               "The unit did not carry out command 52 in three attempts; its last answer: 2203, "
                               "54, 53, release, Succeed, cursor";
     const QString good = "52, progress, 54, 53, release, Succeed, cursor";
-    struct Case {
-        const char* name;
-        QByteArrayList input;
-        QString story;
-        QByteArray saved;
-        bool ticked = false;
-        QStringList refused{};
+    const std::tuple<const char*, QByteArrayList, bool, QStringList, QString, QByteArray> cases[] = {
+        // name, what comes, whether Verification is ticked, refused commands, story, what the file holds then
+        {"good", upload(image), false, {}, good, image},
+        {"noise before each block and EOT", upload(image, "\xff"), false, {}, good, image},
+        {"more than an image", upload(image + QByteArray(256, 'x')), false, {}, good, image},
+        {"no second EOT", upload(image).mid(0, 1'921), false, {}, good, "old"},
+        {"refused", {}, false, {"52", "52", "52"}, refused52, "old"},
+        {"with Verification ticked", upload(image), true, {}, "52, progress, 54, release, cursor", "old"},
     };
-    const Case cases[] = {
-        {"good", upload(image), good, image},
-        {"noise before each block and EOT", upload(image, "\xff"), good, image},
-        {"more than an image", upload(image + QByteArray(256, 'x')), good, image},
-        {"no second EOT", upload(image).mid(0, 1'921), good, "old"},
-        {"refused", {}, refused52, "old", false, {"52", "52", "52"}},
-        {"with Verification ticked", upload(image), "52, progress, 54, release, cursor", "old", true},
-    };
-    for (const Case& c : cases) {
-        line.input = c.input;
-        line.refusals = c.refused;
+    for (const auto& [name, input, isTicked, refused, expected, saved] : cases) {
+        line.input = input;
+        line.refusals = refused;
         writeFile("saved.bin", "old");
-        run.read({.verificationTicked = c.ticked, .file = file("saved.bin")});
-        EXPECT_EQ(story(), c.story) << c.name;
-        EXPECT_EQ(readFile("saved.bin"), c.saved) << c.name;
+        run.read({.verificationTicked = isTicked, .file = file("saved.bin")});
+        EXPECT_EQ(story(), expected) << name;
+        EXPECT_EQ(readFile("saved.bin"), saved) << name;
     }
     EXPECT_EQ(line.sent.join(), kNak + QByteArray(1'920, kAck) + kNak + kAck);
 }

@@ -14,12 +14,9 @@ protected:
 };
 
 TEST_F(Sender, EndsAsTheReceiverLetsIt) {
-    struct Case {
-        const char* bytes;  ///< A ACK, N NAK, X CAN, C, '.' time is up, '*' an ACK for every block, else a stray byte
-        int sends;          ///< packets that go out
-        const char* end;    ///< number and words of the failure; empty: the send goes on
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, int, const char*> cases[] = {
+        // bytes: A ACK, N NAK, X CAN, C, '.' time is up, '*' an ACK for every block, else a stray byte;
+        // packets that go out; number and words of the failure, or nothing while the send goes on
         {"C", 1, ""},
         {"N", 1, ""},
         {"999999999C", 1, ""},
@@ -40,11 +37,11 @@ TEST_F(Sender, EndsAsTheReceiverLetsIt) {
         {"C*NNNNNNNNNN", 1'930, "4097 At the end of the image (EOT): sent 10 times; the unit refused it (NAK)"},
         {"C*NA", 1'922, "sent"},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.bytes);
+    for (const auto& [names, sends, end] : cases) {
+        SCOPED_TRACE(names);
         XmodemSender sender(image, 60s, 10s);
         int packets = 0;
-        QByteArray bytes = c.bytes;
+        QByteArray bytes = names;
         bytes.replace("*", QByteArray(1'920, 'A')).replace('A', kAck).replace('N', kNak).replace('X', kCan);
         for (const char byte : bytes) {
             ASSERT_FALSE(sender.hasEnded());
@@ -55,10 +52,10 @@ TEST_F(Sender, EndsAsTheReceiverLetsIt) {
             EXPECT_EQ(next.clearInput, hasNoise);
         }
         const auto failure = sender.failure();
-        EXPECT_EQ(packets, c.sends);
+        EXPECT_EQ(packets, sends);
         EXPECT_EQ(failure ? QString("%1 %2").arg(failure->number()).arg(failure->description())
                           : QString(sender.hasEnded() ? "sent" : ""),
-                  c.end);
+                  end);
     }
 }
 
