@@ -30,7 +30,7 @@ static ReplyParser parsed(const QByteArray& bytes, bool raw, QByteArray& data) {
     return parser;
 }
 
-TEST(Reply, GivesItsResultAndData) {
+TEST(Reply, IsTakenApart) {
     const std::tuple<QByteArray, bool, const char*, QByteArray> cases[] = {
         // text, raw, result, data
         {"00000005010000", false, "0000", "05010000"},

@@ -84,7 +84,7 @@ private:
     const int master_ = ::posix_openpt(O_RDWR | O_NOCTTY);
 };
 
-TEST_F(Ports, AreListedWithTheirUsersAndWhatMayDisturbThem) {
+TEST_F(Ports, AreListedWithWhatMayDisturbThem) {
     shell(R"(
         mkdir -p proc/4321 proc/17 proc/18 run/udev/data
         echo "1: FLOCK  ADVISORY  WRITE 4321 00:$(stat -Lc %D:%i dev/ttyUSB10) 0 EOF" >proc/locks

@@ -6,7 +6,7 @@
 
 using namespace std::chrono_literals;
 
-TEST(BlockReceiver, FindsBlocksAndEotsInWhateverComes) {
+TEST(BlockReceiver, FindsWhatCountsInWhateverComes) {
     const QByteArray block = QByteArray::fromHex("0105fa") + QByteArray(128, '\x04') + '\x77';
     const auto hex = [](const char* text) { return QByteArray::fromHex(text); };
     const std::tuple<const char*, QList<QByteArray>, PollResult> cases[] = {

@@ -44,7 +44,7 @@ TEST_F(RawLineTest, AStepOfAReadDoesNotWaitForTheTick) {
     end();
 }
 
-TEST_F(RawLineTest, AnUnpluggedPortEndsAReadAndDoesNotSpinBelowABox) {
+TEST_F(RawLineTest, AnUnpluggedPortDoesNotSpinBelowABox) {
     gWaits.exchangeMark = 10ms;
     unitsWith({"unplug@block20"});
     int calls = 0;
