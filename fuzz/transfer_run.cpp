@@ -21,8 +21,9 @@ public:
     /// 0 to 0xDF: carried out; above: refused.
     QString operation(const QString& code, int unit) override {
         require(unit == kInterfaceUnit, "a run keeps its unit");
-        MemoryLine::operation(code, unit);
-        return script_.byte() < 0xE0 ? QString(kNormalEnd) : QStringLiteral("2203");
+        if (script_.byte() >= 0xE0)
+            refusals += code;
+        return MemoryLine::operation(code, unit);
     }
     int fncSendRaw(const QByteArray& bytes) override {
         const bool isDue = bytes.size() > 1 ? bytes == packetOf(acknowledged_ + 1, gImageBuf, bytes.size() == 133)
@@ -36,20 +37,17 @@ public:
     }
 
 protected:
+    /// What is due; to 0xEF: any byte; above: nothing in time.
     std::optional<char> answer() override {
-        const std::optional<char> byte = nextAnswer();
+        const std::uint8_t what = next();
+        std::optional<char> byte = MemoryLine::answer();
+        if (what >= 0xE0)
+            byte = what < 0xF0 ? std::optional(static_cast<char>(script_.byte())) : std::nullopt;
         acknowledged_ += byte == kAck && !sent.isEmpty() ? 1 : 0;
         return byte;
     }
 
 private:
-    /// What is due; to 0xEF: any byte; above: nothing in time.
-    std::optional<char> nextAnswer() {
-        const std::uint8_t what = next();
-        if (what < 0xE0)
-            return MemoryLine::answer();
-        return what < 0xF0 ? std::optional(static_cast<char>(script_.byte())) : std::nullopt;
-    }
     /// What the unit sends next. 0 to 0xDF: what is due, 16 times so often and once more.
     std::uint8_t next() {
         if (due_ == 0) {
