@@ -75,6 +75,12 @@ TEST(Units, RefuseUnknownCommands) {
     }
 }
 
+TEST(Units, RefuseARequestThatIsTooLong) {
+    Units units;
+    EXPECT_EQ(units.ask(std::string(RequestParser::kMaxCommand + 1, '0')), "");
+    EXPECT_EQ(units.journal.violations().size(), 1U);
+}
+
 TEST(Units, KeepTheOrderOfOperations) {
     const std::pair<const char*, Texts> cases[] = {
         // fault; open 0, download 1, upload 2, finish 3, end of transfer 4, and "!" after a refused one

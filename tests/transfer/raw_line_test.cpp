@@ -36,12 +36,15 @@ TEST_F(RawLineTest, AForeignReceiverGetsTheVeryImage) {
 TEST_F(RawLineTest, AStepOfAReadDoesNotWaitForTheTick) {
     gWaits.tick = 2'000ms;
     options.uploadBlocks = 300;
-    unitsWith({});
+    unitsWith(
+        {"split:1@block3", "splitat:1,20@block4", "splitat:131,20@block5", "noise:ff180600@block6", "noise:ff@eot1"});
     run.read({.file = file("saved.bin")});
     EXPECT_TRUE(waitServingEvents(1'900ms, [this] { return QFile::exists(file("saved.bin")); }));
     // The last byte has been answered; only the tick closes the read.
     EXPECT_TRUE(TransferRun::isRunning());
-    end();
+    EXPECT_EQ(end(), QStringList("Succeed"));
+    EXPECT_EQ(readFile("saved.bin"), firmware().left(300 * kBlockSize).leftJustified(kImageSize, '\0'));
+    EXPECT_EQ(simulator->violations(), std::vector<std::string>{});
 }
 
 TEST_F(RawLineTest, AnUnpluggedPortDoesNotSpinBelowABox) {
