@@ -152,7 +152,7 @@ TEST_F(Port, WithoutRightsIsAFailureThatSaysWhatHelps) {
 TEST_F(Port, StaysAwayFromAPortThatAnotherProgramHolds) {
     const QString inUse = "他のプログラムがポートを使用しています";
     EXPECT_EQ(::write(other, "x", 1), 1);
-    ::flock(other, LOCK_EX);
+    ::flock(other, LOCK_SH);
     EXPECT_EQ(failureToOpen().section("。", 1), inUse);
     EXPECT_EQ(pty.received(), "x") << "what the other program sends is not dropped";
     ::flock(other, LOCK_UN);

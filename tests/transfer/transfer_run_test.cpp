@@ -171,6 +171,7 @@ TEST_F(Run, TheCommandsAfterACancelWaitForTheRestOfABlock) {
     run.cancel();
     line.tick();
     EXPECT_EQ(line.time - cancelled, 100ms);
+    EXPECT_FALSE(TransferRun::isRunning());
     EXPECT_EQ(story(), "52, progress, 54, 53, release, Succeed, cursor");
 }
 
