@@ -15,7 +15,8 @@ class HostileUnit final : public MemoryLine {
 public:
     HostileUnit(Input& script, QStringList& told) : MemoryLine(told), script_(script) {
         failsAtSend = script_.byte() * 8;
-        input = upload(gImageBuf + QByteArray(255, ' '));
+        static const QByteArrayList blocks = upload(gImageBuf + QByteArray(255, ' '));
+        input = blocks;
     }
 
     /// 0 to 0xDF: carried out; above: refused.
@@ -26,7 +27,7 @@ public:
         return MemoryLine::operation(code, unit);
     }
     int fncSendRaw(const QByteArray& bytes) override {
-        const bool isDue = bytes.size() > 1 ? bytes == packetOf(acknowledged_ + 1, gImageBuf, bytes.size() == 133)
+        const bool isDue = bytes.size() > 1 ? bytes.mid(3, 128) == gImageBuf.mid(128 * acknowledged_, 128)
                                             : bytes[0] != kEot || acknowledged_ == 1'920;
         require(isDue, "only what is due goes out");
         return MemoryLine::fncSendRaw(bytes);

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "simulator/image.h"
-#include "simulator/wire.h"
 #include "text/runtime_failure.h"
 #include "transfer/image_file.h"
 #include "transfer/response_codes.h"
@@ -17,15 +16,6 @@ using namespace std::chrono_literals;
 inline QByteArray someImage() {
     const units::Bytes made = units::makeImage("SVA-STD", 13500, 7);
     return {reinterpret_cast<const char*>(made.data()), static_cast<qsizetype>(made.size())};
-}
-
-/// Block `number`, from 1, of `image` on the wire, with a CRC or a sum; worked out apart from the program.
-inline QByteArray packetOf(int number, const QByteArray& image, bool hasCrc) {
-    const QByteArray data = image.mid((number - 1) * 128, 128);
-    const QByteArray packet = QByteArray(1, '\x01') + char(number) + char(255 - number % 256) + data;
-    const units::Bytes bytes(data.begin(), data.end());
-    const unsigned crc = units::crc16(bytes);
-    return hasCrc ? packet + char(crc >> 8) + char(crc & 0xFF) : packet + char(units::sum8(bytes));
 }
 
 /// What a unit sends that holds `image`, up to its second EOT; each block and EOT after `noise`.
