@@ -47,7 +47,7 @@ TEST(ProgramEndDeathTest, EndsFromInsideANestedEventLoopWithStatusZero) {
 TEST(SingleInstance, IsTheOneThatHoldsTheLock) {
     const QString path = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) + "/dravolt.lock";
     const int other = ::open(qPrintable(path), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    ::flock(other, LOCK_EX);
+    ::flock(other, LOCK_SH);
     EXPECT_FALSE(isOnlyInstance());
     ::flock(other, LOCK_UN);
     EXPECT_TRUE(isOnlyInstance()) << "a copy that has ended does not block the next";
