@@ -3,7 +3,6 @@
 #include "upgrade/image_info.h"
 #include "app/type_tables.h"
 #include "support/input.h"
-#include "support/require.h"
 #include "system/program_folder.h"
 #include "text/blanks.h"
 #include "text/message_box.h"

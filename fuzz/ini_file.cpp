@@ -2,7 +2,6 @@
 #include "app/ini_file.h"
 #include "app/numbers.h"
 #include "support/input.h"
-#include "support/require.h"
 #include "text/runtime_failure.h"
 
 #include <cmath>

@@ -1,10 +1,20 @@
-/// Taking the bytes of an input apart.
+/// What a fuzz target is made with.
 #pragma once
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <string>
+
+/// Says which invariant does not hold, and aborts, which the fuzzer and the tests take for a crash.
+inline void require(bool holds, const char* invariant) {
+    if (holds)
+        return;
+    std::fprintf(stderr, "Broken invariant: %s\n", invariant);
+    std::abort();
+}
 
 /// The bytes of an input, taken from front to back. Used up, it gives zeros and empty texts.
 class Input {

@@ -30,7 +30,7 @@ static ReplyParser parsed(const QByteArray& bytes, bool raw, QByteArray& data) {
     return parser;
 }
 
-TEST(Reply, GivesItsResultAndData) {
+TEST(Reply, IsTakenApart) {
     const std::tuple<QByteArray, bool, const char*, QByteArray> cases[] = {
         // text, raw, result, data
         {"00000005010000", false, "0000", "05010000"},
@@ -54,11 +54,8 @@ TEST(Reply, IsLoggedWhenItIsUnusable) {
         // name, bytes, result, log record
         {"damaged", damaged(good), "", "S:True E:True B:True P:True U:3 A:05 01 00 00 "},
         {"a byte comes first", "\x7f" + good, "", "S:True E:True B:True P:True U:3 A:00 50 10 00 "},
-        {"ETX among the data",
-         "\x02"
-         "00000005010000AA\x03"
-         "B",
-         "", "S:True E:True B:True P:True U:4 A:05 01 00 00 AA "},
+        {"ETX among the data", QByteArray("\2") + "00000005010000AA\3B", "",
+         "S:True E:True B:True P:True U:4 A:05 01 00 00 AA "},
         {"no check byte", good.chopped(1), "", "S:True E:True B:False P:False U:450 A:05 01 00 00 "},
         {"no ETX", good.chopped(2), "", "S:True E:False B:False P:False U:450 A:05 01 00 00 "},
         {"no STX", good.mid(1), "", "S:False E:True B:False P:False U:450 A:05 01 00 00 "},
@@ -81,7 +78,7 @@ TEST(Reply, IsLoggedWhenItIsUnusable) {
 
 TEST(Reply, FailsWhereItCannotBeRead) {
     QByteArray data;
-    for (const QByteArray& text :
-         {QByteArray("0000000501G0"), QByteArray("000000050100"), QByteArray(6 + 2 * 452, '0')})
+    for (const QByteArray& text : {QByteArray("0000000501G0"), QByteArray("00000005010G"), QByteArray("000000050100"),
+                                   QByteArray(6 + 2 * 452, '0')})
         EXPECT_THROW(parsed(replyFrame(text), false, data), RuntimeFailure) << text.left(20).toStdString();
 }

@@ -2,162 +2,177 @@
 #include "simulator/command_machine.h"
 #include "simulator/image.h"
 #include "simulator/packet_receiver.h"
-#include "tests/simulator/frames.h"
+#include "simulator/wire.h"
 
 #include <gtest/gtest.h>
-#include <sstream>
 
 namespace units::test {
 
-static Bytes operator+(Bytes first, const Bytes& second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
-}
+using Texts = std::vector<std::string>;
 
 /// Gives bytes to a machine on a line on which nothing takes time.
 /// @return all that it sends
-static Bytes feed(Machine& machine, const Bytes& bytes) {
-    Bytes answers;
-    for (const std::uint8_t byte : bytes) {
+static std::string feed(Machine& machine, const std::string& bytes) {
+    std::string answers;
+    for (const std::uint8_t byte : bytesOf(bytes)) {
         const Script script = machine.take(byte, Time{0});
         if (!script.steps.empty())
             machine.sent(Time{0});
-        answers = answers + bytesOf(script);
+        const Bytes sent = bytesOf(script);
+        answers.append(sent.begin(), sent.end());
     }
     return answers;
 }
 
-struct Commands {
-    explicit Commands(const std::string& fault) : faults({fault}) {}
+/// Nothing comes any more, for longer than the machine waits for the rest of something.
+static void beSilent(Machine& machine) {
+    if (const auto deadline = machine.deadline())
+        machine.timeout(*deadline);
+}
+
+/// A request of this text, with a right check byte.
+static std::string framed(const std::string& text) {
+    return '\x02' + text + '\x03' + char(blockCheck(bytesOf(text + '\x03')));
+}
+
+static std::string request(const std::string& command) { return framed("00000" + command); }
+
+/// A well-formed packet under a number that need not be in range.
+static std::string packet(unsigned number, CheckMode mode = CheckMode::crc) {
+    const std::string payload(kBlockSize, char(number * 7));
+    const unsigned crc = crc16(bytesOf(payload));
+    const std::string check{char(crc >> 8), char(crc)};
+    return '\x01' + std::string{char(number), char(~number)} + payload +
+           (mode == CheckMode::crc ? check : std::string(1, char(sum8(bytesOf(payload)))));
+}
+
+struct Units {
+    explicit Units(const std::string& fault = "nak@eot") : faults({fault}) {}
 
     /// @return the text of the reply, from the node number to the response code
     std::string ask(const std::string& command) {
-        const Bytes reply = feed(machine, requestFrame(command));
-        if (machine.over())
-            machine.begin(Time{0});
-        return reply.size() < 15 ? std::string() : std::string(reply.begin() + 1, reply.begin() + 15);
+        const std::string reply = feed(commands, request(command));
+        if (commands.over())
+            commands.begin(Time{0});
+        return reply.empty() ? reply : reply.substr(1, 14);
     }
 
+    Journal journal;
     FaultBook faults;
     Devices devices{{}};
-    Journal journal;
-    CommandMachine machine{devices, faults, journal, Timing{}};
-};
-
-TEST(Units, RefuseUnknownCommands) {
-    for (const std::string command :
-         {"0502", "05011", "0101D30001000001", "0101D40002000001", "0101D40001000002", "0101D4000100000",
-          "300550020000", "300550010C00", "300551010000", "300555010000", "30055001000", "3005500100000"}) {
-        Commands units("lost@0601");
-        EXPECT_EQ(units.ask(command), "00000F" + command.substr(0, 4) + "1001");
-        EXPECT_EQ(units.journal.violations(), std::vector{"unknown command '" + command + "'"});
-    }
-}
-
-TEST(Units, KeepTheOrderOfOperations) {
-    struct Case {
-        const char* fault;
-        const char* orders;  ///< open 0, download 1, upload 2, finish 3, end of transfer 4; "!" after a refused one
-    };
-    const Case cases[] = {
-        {"lost@0601", "0143 00143343 243 04301 1! 01431! 2431! 4! 3! 03! 014303!"},
-        {"response:1001@300550", "01! 043"},
-        {"silence@300550", "01! 043"},
-        {"lost@300550", "01"},
-    };
-    for (const Case& c : cases) {
-        std::istringstream orders(c.orders);
-        for (std::string order; orders >> order;) {
-            Commands units(c.fault);
-            std::string shown;
-            for (const char digit : order) {
-                if (digit == '!')
-                    continue;
-                const char* tail = digit == '1' || digit == '2' ? "010C00" : "010000";
-                const bool isRefused = units.ask(std::string("30055") + digit + tail).ends_with("1003");
-                shown += isRefused ? digit + std::string("!") : std::string(1, digit);
-            }
-            EXPECT_EQ(shown, order) << c.fault;
-            EXPECT_EQ(units.journal.violations().empty(), shown.find('!') == std::string::npos) << c.fault << order;
-        }
-    }
-}
-
-/// A well-formed packet under a number that need not be in range.
-static Bytes packet(unsigned number, CheckMode mode = CheckMode::crc) {
-    const Bytes payload(kBlockSize, static_cast<std::uint8_t>(number * 7));
-    const Bytes sum{sum8(payload)};
-    const Bytes crc{static_cast<std::uint8_t>(crc16(payload) >> 8), static_cast<std::uint8_t>(crc16(payload))};
-    return Bytes{kSoh, static_cast<std::uint8_t>(number), static_cast<std::uint8_t>(~number)} + payload +
-           (mode == CheckMode::crc ? crc : sum);
-}
-
-struct Transfer {
-    Journal journal;
-    FaultBook faults{{}};
+    CommandMachine commands{devices, faults, journal, Timing{}};
     PacketReceiver download{CheckMode::crc, false, faults, journal, Timing{}, [](const Bytes&, Time) {}};
     PacketReceiver downloadWithSums{CheckMode::sum, false, faults, journal, Timing{}, [](const Bytes&, Time) {}};
     BlockSender upload{Bytes(kImageSize), 1, false, faults, journal, Timing{}};
 };
 
-TEST(Units, RefuseEverySingleBitErrorOfAPacket) {
-    for (const CheckMode mode : {CheckMode::crc, CheckMode::sum}) {
-        Transfer units;
-        PacketReceiver& receiver = mode == CheckMode::crc ? units.download : units.downloadWithSums;
-        const Bytes good = packet(1, mode);
-        for (std::size_t bit = 8; bit < good.size() * 8; ++bit) {
-            Bytes damaged = good;
-            damaged[bit / 8] ^= static_cast<std::uint8_t>(1U << bit % 8);
-            ASSERT_EQ(feed(receiver, damaged), Bytes{kNak}) << bit;
-        }
-        EXPECT_EQ(units.journal.violations().size(), good.size() * 8 - 8);
+TEST(Units, RefuseUnknownCommands) {
+    for (const std::string command :
+         {"0502", "05011", "06011", "0101D30001000001", "0101D40002000001", "0101D40001000002", "0101D4000100000",
+          "300550020000", "300550010C00", "300551010000", "300555010000", "30055001000", "3005500100000"}) {
+        Units units;
+        EXPECT_EQ(units.ask(command), "00000F" + command.substr(0, 4) + "1001");
+        EXPECT_EQ(units.journal.violations(), Texts{"unknown command '" + command + "'"});
     }
 }
 
-TEST(Units, ComplainOfWhatDoesNotBelongToATransfer) {
-    struct Case {
-        unsigned packetsBefore;  ///< of a download
-        Bytes bytes;
-        Bytes answer;
-        std::vector<std::string> complaints;
-    };
-    const Case downloads[] = {
-        {3, packet(5), {}, {"packet number 5 after 3 blocks"}},
-        {0, packet(0), {}, {"packet number 0 after 0 blocks"}},
-        {3, packet(2), {}, {"packet number 2 after 3 blocks"}},
-        {1920, packet(1921), {}, {"packet number 129 after 1920 blocks"}},
-        {5, packet(5), {kAck}, {"packet 5 sent again without reason"}},
-        {1, {kStx}, {}, {"byte between packets: 02"}},
-        {2, {kCan, kSoh}, {}, {"a single CAN"}},
-        {2, {kCan}, {}, {"a single CAN"}},
-        {2, {kSoh, 3, 0xFC, 1}, {}, {"packet broken off after 4 bytes -> NAK"}},
-        {0, {kEot}, {kNak}, {"EOT after 0 blocks -> NAK"}},
-        {1919, {kEot}, {kNak}, {"EOT after 1919 blocks -> NAK"}},
-        {0, {kCan, kCan}, {}, {}},
-        {7, {kSoh, 8, 0xF7, 1, kCan, kCan}, {}, {}},
-    };
-    for (const Case& c : downloads) {
-        SCOPED_TRACE(std::to_string(c.packetsBefore) + " packets, then " + hexDump(c.bytes).substr(0, 20));
-        Transfer units;
-        for (unsigned number = 1; number <= c.packetsBefore; ++number)
-            ASSERT_EQ(feed(units.download, packet(number)), Bytes{kAck}) << number;
-        EXPECT_EQ(feed(units.download, c.bytes), c.answer);
-        if (const auto deadline = units.download.deadline())
-            units.download.timeout(*deadline);
-        EXPECT_EQ(units.journal.violations(), c.complaints);
-        EXPECT_EQ(units.download.over(), c.complaints.empty());
+TEST(Units, HearNoMalformedRequest) {
+    for (const std::string& text : {std::string("000010501"), std::string("0000005a1"), std::string(38, '0')}) {
+        Units units;
+        EXPECT_EQ(feed(units.commands, framed(text)), "");
+        EXPECT_EQ(units.journal.violations().size(), 1U) << text;
     }
-    const std::pair<Bytes, std::vector<std::string>> uploads[] = {
-        {{kNak, kAck, kNak, kAck}, {}},
-        {{kNak, kAck, kAck}, {"ACK of the first EOT"}},
-        {{kNak, kAck, kNak, kNak}, {"NAK of a later EOT than the first"}},
-        {{kNak, kCan, kAck}, {"a single CAN"}},
-        {{kNak, 'x'}, {"byte that does not answer a block: 78"}},
+}
+
+TEST(Units, KeepTheOrderOfOperations) {
+    const std::pair<const char*, Texts> cases[] = {
+        // fault; open 0, download 1, upload 2, finish 3, end of transfer 4, and "!" after a refused one
+        {"lost@0601", {"0143", "00143343", "243", "04301", "1!", "01431!", "2431!", "4!", "3!", "03!", "014303!"}},
+        {"response:1001@300550", {"01!", "043"}},
+        {"silence@300550", {"01!", "043"}},
+        {"lost@300550", {"01"}},
     };
-    for (const auto& [bytes, complaints] : uploads) {
-        Transfer units;
+    for (const auto& [fault, orders] : cases)
+        for (const std::string& order : orders) {
+            Units units(fault);
+            std::string shown;
+            for (const char digit : order) {
+                if (digit == '!')
+                    continue;
+                const char* tail = digit == '1' || digit == '2' ? "010C00" : "010000";
+                shown += digit;
+                if (units.ask(std::string("30055") + digit + tail).ends_with("1003"))
+                    shown += '!';
+            }
+            EXPECT_EQ(shown, order) << fault;
+            EXPECT_EQ(units.journal.violations().empty(), !shown.ends_with('!')) << fault << order;
+        }
+}
+
+TEST(Units, RefuseEverySingleBitError) {
+    Units units;
+    const std::tuple<Machine&, std::string, std::string> cases[] = {
+        // machine, good bytes, answer to bad ones
+        {units.commands, request("0501"), ""},
+        {units.download, packet(1), "\x15"},
+        {units.downloadWithSums, packet(1, CheckMode::sum), "\x15"},
+    };
+    for (const auto& [machine, good, refusal] : cases) {
+        // Before a packet, any byte can be noise.
+        for (std::size_t bit = refusal.empty() ? 0 : 8; bit < good.size() * 8; ++bit) {
+            const std::size_t before = units.journal.violations().size();
+            std::string damaged = good;
+            damaged[bit / 8] = char(damaged[bit / 8] ^ 1 << bit % 8);
+            ASSERT_EQ(feed(machine, damaged), refusal) << bit;
+            if (refusal.empty())
+                beSilent(machine);
+            ASSERT_EQ(units.journal.violations().size(), before + 1) << bit;
+        }
+        EXPECT_NE(feed(machine, good), refusal);
+    }
+}
+
+TEST(Units, ComplainOfWhatDoesNotBelongToADownload) {
+    const std::tuple<unsigned, std::string, std::string, Texts> cases[] = {
+        // packets before, bytes, answer, complaints
+        {3, packet(5), "", {"packet number 5 after 3 blocks"}},
+        {0, packet(0), "", {"packet number 0 after 0 blocks"}},
+        {3, packet(2), "", {"packet number 2 after 3 blocks"}},
+        {1920, packet(1921), "", {"packet number 129 after 1920 blocks"}},
+        {5, packet(5), "\x06", {"packet 5 sent again without reason"}},
+        {1, "\x02", "", {"byte between packets: 02"}},
+        {2, "\x18\x01", "", {"a single CAN"}},
+        {2, "\x18", "", {"a single CAN"}},
+        {2, "\x01\x03\xFC\x01", "", {"packet broken off after 4 bytes -> NAK"}},
+        {0, "\x04", "\x15", {"EOT after 0 blocks -> NAK"}},
+        {1919, "\x04", "\x15", {"EOT after 1919 blocks -> NAK"}},
+        {0, "\x18\x18", "", {}},
+        {7, "\x01\x08\xF7\x01\x18\x18", "", {}},
+    };
+    for (const auto& [packets, bytes, answer, complaints] : cases) {
+        SCOPED_TRACE(std::to_string(packets) + " packets, then " + hexDump(bytesOf(bytes)).substr(0, 20));
+        Units units;
+        for (unsigned number = 1; number <= packets; ++number)
+            ASSERT_EQ(feed(units.download, packet(number)), "\x06") << number;
+        EXPECT_EQ(feed(units.download, bytes), answer);
+        beSilent(units.download);
+        EXPECT_EQ(units.journal.violations(), complaints);
+        EXPECT_EQ(units.download.over(), complaints.empty());
+    }
+}
+
+TEST(Units, ComplainOfWhatDoesNotBelongToAnUpload) {
+    const std::pair<const char*, Texts> cases[] = {
+        {"\x15\x06\x15\x06", {}},
+        {"\x15\x06\x06", {"ACK of the first EOT"}},
+        {"\x15\x06\x15\x15", {"NAK of a later EOT than the first"}},
+        {"\x15\x18\x06", {"a single CAN"}},
+        {"\x15x", {"byte that does not answer a block: 78"}},
+    };
+    for (const auto& [bytes, complaints] : cases) {
+        Units units;
         feed(units.upload, bytes);
-        EXPECT_EQ(units.journal.violations(), complaints) << hexDump(bytes);
+        EXPECT_EQ(units.journal.violations(), complaints);
     }
 }
 

@@ -1,19 +1,30 @@
 /// A transfer without windows and port: a screen that remembers, and a line in memory.
 #pragma once
 
+#include "simulator/image.h"
 #include "text/runtime_failure.h"
 #include "transfer/image_file.h"
 #include "transfer/response_codes.h"
 #include "transfer/transfer_run.h"
 #include "transfer/xmodem_packet.h"
 
-#include <QMap>
-
-#include <algorithm>
-#include <deque>
-#include <vector>
+#include <QByteArrayList>
 
 using namespace std::chrono_literals;
+
+/// An image without two blocks alike.
+inline QByteArray someImage() {
+    const units::Bytes made = units::makeImage("SVA-STD", 13500, 7);
+    return {reinterpret_cast<const char*>(made.data()), static_cast<qsizetype>(made.size())};
+}
+
+/// What a unit sends that holds `image`, up to its second EOT; each block and EOT after `noise`.
+inline QByteArrayList upload(const QByteArray& image, const QByteArray& noise = {}) {
+    QByteArrayList pieces;
+    for (qsizetype at = 0; at < image.size(); at += kBlockSize)
+        pieces += noise + QByteArray::fromHex("010000") + image.mid(at, kBlockSize) + '?';
+    return pieces + QByteArrayList(2, noise + kEot);
+}
 
 class FakeScreen final : public TransferScreen {
 public:
@@ -23,17 +34,16 @@ public:
         told_ += "progress";
         bytes_ = 0;
     }
-    void setProgress(int value) override {
-        onlyRises = onlyRises && value >= bytes_ && value <= kImageSize;
-        bytes_ = value;
+    void setProgress(int bytes) override {
+        if (bytes < bytes_ || bytes > kImageSize)
+            told_ += "wrong progress";
+        bytes_ = bytes;
     }
     void announceVerification() override { told_ += "verification"; }
     void releaseWindow() override { told_ += "release"; }
     void raiseWindow() override { told_ += "raise"; }
     void setDefaultCursor() override { told_ += "cursor"; }
     void showWrittenVersion(int unit) override { told_ += QString("version of %1").arg(unit); }
-
-    bool onlyRises = true;  ///< the progress, up to the size of an image
 
 private:
     QStringList& told_;
@@ -47,33 +57,25 @@ public:
 
     QString operation(const QString& code, int unit) override {
         told_ += code + (unit == kSensorAmplifier ? "" : "@0");
-        if (refusals.contains(code) && refusals[code]-- > 0)
-            return QStringLiteral("2203");
-        return kNormalEnd;
+        return refusals.removeOne(code) ? QStringLiteral("2203") : QString(kNormalEnd);
     }
     void clear() override {
-        if (isClosed)
+        if (isGone)
             throw RuntimeFailure(failure::kPortNotOpen, QStringLiteral("closed"));
+        sent.clear();
     }
-    void clearInput() override { ++cleared; }
+    void clearInput() override {}
     int fncSendRaw(const QByteArray& bytes) override {
-        sent.push_back(bytes);
+        sent += bytes;
         return sent.size() == failsAtSend ? failure::kDeviceIo : kResultSuccess;
     }
-    QByteArray received() override {
-        if (input.empty())
-            return {};
-        QByteArray next = input.front();
-        input.pop_front();
-        return next;
-    }
+    QByteArray received() override { return input.isEmpty() ? QByteArray() : input.takeFirst(); }
     std::optional<char> fncWaitByte(std::chrono::milliseconds limit) override {
         const std::optional<char> byte = answer();
-        if (!byte)
-            time += limit;
+        time += byte ? 0ms : limit;
         return byte;
     }
-    void close() override { isClosed = true; }
+    void close() override { told_ += "close"; }
     Time now() const override { return time; }
     void serveEvents() override { whileServing(); }
     void pause(std::chrono::milliseconds) override { whileServing(); }
@@ -95,15 +97,17 @@ public:
             step();
     }
 
-    QMap<QString, int> refusals;   ///< how often an operation command is refused
-    std::deque<QByteArray> input;  ///< what comes in during a read, in pieces
-    std::size_t failsAtSend = 0;   ///< number of the raw send at which the port fails; 0: never
-    std::function<std::optional<char>()> answer = [this] { return sent.empty() ? kCrcStart : kAck; };
+    QStringList refusals;        ///< operation commands that are refused, once each
+    QByteArrayList input;        ///< what comes in during a read, in pieces
+    QByteArray answers = "C\6";  ///< to nothing, to the first packet sent, to the second...; the last one for good
+    bool isGone = false;         ///< the port
+    qsizetype failsAtSend = 0;   ///< number of the raw send at which the port fails; 0: never
     std::function<void()> whileServing = [] {};
-    std::vector<QByteArray> sent;
-    int cleared = 0;
-    bool isClosed = false;
+    QByteArrayList sent;  ///< in this transfer
     Time time{};
+
+protected:
+    virtual std::optional<char> answer() { return answers[std::min(sent.size(), answers.size() - 1)]; }
 
 private:
     static constexpr auto kTick = 100ms;
