@@ -14,6 +14,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <sys/stat.h>
 #include <unistd.h>
 
 static void require(bool holds, const char* what) {
@@ -110,7 +111,10 @@ private:
 
 static void sitDown() {
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-    qputenv("XDG_RUNTIME_DIR", QCoreApplication::applicationDirPath().toLocal8Bit());
+    const QByteArray folder = QCoreApplication::applicationDirPath().toLocal8Bit();
+    // The other edition runs at the same time. A folder that others may enter is none for a lock.
+    require(::chmod(folder.constData(), 0700) == 0, "a folder of the program's");
+    qputenv("XDG_RUNTIME_DIR", folder);
     static Operator theOperator;
 }
 Q_COREAPP_STARTUP_FUNCTION(sitDown)
