@@ -56,6 +56,12 @@ TEST(Sender, EndsAsTheReceiverLetsIt) {
     }
 }
 
+TEST(Sender, SendsTheCheckThatTheUnitAsksFor) {
+    const QByteArray image = someImage();
+    for (const auto& [start, check] : {std::pair{kCrcStart, PacketCheck::crc}, {kNak, PacketCheck::checksum}})
+        EXPECT_EQ(XmodemSender(image, 60s, 10s).take(start).packet, buildPacket(1, image.left(kBlockSize), check));
+}
+
 TEST(XmodemPacket, IsTheExactBytes) {
     const QByteArray data = '\x31' + QByteArray(126, '\0') + '\xff';
     const QByteArray ones(128, '\xff');
