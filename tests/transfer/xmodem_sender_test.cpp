@@ -63,8 +63,8 @@ TEST(Sender, SendsTheCheckThatTheUnitAsksFor) {
 }
 
 TEST(XmodemPacket, IsTheExactBytes) {
-    const QByteArray data = '\x31' + QByteArray(126, '\0') + '\xff';
+    const QByteArray data = '\x32' + QByteArray(126, '\0') + '\xff';
     const QByteArray ones(128, '\xff');
-    EXPECT_EQ(buildPacket(1, data, PacketCheck::checksum), QByteArray::fromHex("0101fe") + data + '\x30');
+    EXPECT_EQ(buildPacket(1, data, PacketCheck::checksum), QByteArray::fromHex("0101fe") + data + '\x31');
     EXPECT_EQ(buildPacket(256, ones, PacketCheck::crc), QByteArray::fromHex("0100ff") + ones + "\xed\xa9");
 }
