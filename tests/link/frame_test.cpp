@@ -78,7 +78,7 @@ TEST(Reply, IsLoggedWhenItIsUnusable) {
 
 TEST(Reply, FailsWhereItCannotBeRead) {
     QByteArray data;
-    for (const QByteArray& text : {QByteArray("0000000501G0"), QByteArray("00000005010G"), QByteArray("000000050100"),
+    for (const QByteArray& text : {QByteArray("0000000501G0"), QByteArray("0000000501000G"), QByteArray("000000050100"),
                                    QByteArray(6 + 2 * 452, '0')})
         EXPECT_THROW(parsed(replyFrame(text), false, data), RuntimeFailure) << text.left(20).toStdString();
 }

@@ -56,9 +56,15 @@ TEST(Sender, EndsAsTheReceiverLetsIt) {
     }
 }
 
+TEST(Sender, SendsTheCheckThatTheUnitAsksFor) {
+    const QByteArray image = someImage();
+    for (const auto& [start, check] : {std::pair{kCrcStart, PacketCheck::crc}, {kNak, PacketCheck::checksum}})
+        EXPECT_EQ(XmodemSender(image, 60s, 10s).take(start).packet, buildPacket(1, image.left(kBlockSize), check));
+}
+
 TEST(XmodemPacket, IsTheExactBytes) {
-    const QByteArray data = '\x31' + QByteArray(126, '\0') + '\xff';
+    const QByteArray data = '\x32' + QByteArray(126, '\0') + '\xff';
     const QByteArray ones(128, '\xff');
-    EXPECT_EQ(buildPacket(1, data, PacketCheck::checksum), QByteArray::fromHex("0101fe") + data + '\x30');
+    EXPECT_EQ(buildPacket(1, data, PacketCheck::checksum), QByteArray::fromHex("0101fe") + data + '\x31');
     EXPECT_EQ(buildPacket(256, ones, PacketCheck::crc), QByteArray::fromHex("0100ff") + ones + "\xed\xa9");
 }
