@@ -2,7 +2,9 @@
 #include "app/ini_file.h"
 #include "app/numbers.h"
 #include "support/input.h"
-#include "text/runtime_failure.h"
+#include "system/runtime_failure.h"
+
+#include <QStringList>
 
 #include <cmath>
 

@@ -1,7 +1,7 @@
 /// The bytes of a reply: first byte of the input: 1 raw data, 2 a frame is put around what follows.
 #include "link/frame.h"
 #include "support/input.h"
-#include "text/runtime_failure.h"
+#include "system/runtime_failure.h"
 
 #include <QRegularExpression>
 

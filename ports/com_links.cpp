@@ -23,7 +23,7 @@ constexpr Text kOwnedByOther{"%1 belongs to %2; only %2 and root can change it",
                              "%1 の所有者は %2 です。変更できるのは %2 と root だけです"};
 constexpr Text kFailed{"%1: %2", "%1: %2"};
 
-fs::path portsFolder(const Machine& machine) { return machine.folder / "ports"; }
+fs::path portsFolder(const Computer& computer) { return computer.folder / "ports"; }
 
 std::string nameOf(int number) { return "com" + std::to_string(number); }
 
@@ -33,9 +33,9 @@ bool isThere(const fs::path& link) {
 }
 
 /// What is there as com<number>; the first counts.
-std::vector<fs::path> linksOf(const Machine& machine, int number) {
+std::vector<fs::path> linksOf(const Computer& computer, int number) {
     std::vector<fs::path> links;
-    for (const fs::path& folder : {portsFolder(machine), machine.folder})
+    for (const fs::path& folder : {portsFolder(computer), computer.folder})
         if (const fs::path link = folder / nameOf(number); isThere(link))
             links.push_back(link);
     return links;
@@ -73,12 +73,12 @@ NewTarget targetFor(const SerialDevice& device, const fs::path& named, const fs:
 }
 
 /// The serial device behind `device`, or the pseudo-terminal, with which one practises.
-SerialDevice deviceNamed(const Machine& machine, const fs::path& device) {
+SerialDevice deviceNamed(const Computer& computer, const fs::path& device) {
     SerialDevice terminal;
     terminal.node = endOf(device);
     if (terminal.node.empty())
         throw Refusal(said(kNothingThere, {device}));
-    for (const SerialDevice& known : serialDevices(machine))
+    for (const SerialDevice& known : serialDevices(computer))
         if (endOf(known.node) == terminal.node)
             return known;
     if (terminal.node.parent_path() != "/dev/pts" || !fs::is_character_file(terminal.node))
@@ -88,15 +88,15 @@ SerialDevice deviceNamed(const Machine& machine, const fs::path& device) {
 
 }  // namespace
 
-fs::path linkFolder(const Machine& machine) {
+fs::path linkFolder(const Computer& computer) {
     std::error_code none;
-    return fs::is_directory(portsFolder(machine), none) ? portsFolder(machine) : machine.folder;
+    return fs::is_directory(portsFolder(computer), none) ? portsFolder(computer) : computer.folder;
 }
 
-std::vector<ComLink> comLinks(const Machine& machine) {
+std::vector<ComLink> comLinks(const Computer& computer) {
     std::vector<ComLink> links;
     for (int number = 1; number <= kMaxPorts; ++number) {
-        const std::vector<fs::path> found = linksOf(machine, number);
+        const std::vector<fs::path> found = linksOf(computer, number);
         std::error_code none;
         const fs::path target = found.empty() ? fs::path() : fs::read_symlink(found[0], none);
         if (target.empty())
@@ -107,13 +107,13 @@ std::vector<ComLink> comLinks(const Machine& machine) {
     return links;
 }
 
-NewTarget setComLink(const Machine& machine, int number, const std::string& device) {
-    const fs::path dev = machine.root / "dev";
+NewTarget setComLink(const Computer& computer, int number, const std::string& device) {
+    const fs::path dev = computer.root / "dev";
     // An absolute path replaces what stands before it.
     const fs::path named = device.find('/') == std::string::npos ? dev / device : fs::absolute(device);
-    const SerialDevice found = deviceNamed(machine, named);
+    const SerialDevice found = deviceNamed(computer, named);
     const NewTarget target = targetFor(found, named, dev / "serial");
-    const fs::path link = linkFolder(machine) / nameOf(number);
+    const fs::path link = linkFolder(computer) / nameOf(number);
     if (isThere(link))
         requireLink(link);
     // Made beside it and moved over it, so that the port always leads somewhere.
@@ -131,8 +131,8 @@ NewTarget setComLink(const Machine& machine, int number, const std::string& devi
     return target;
 }
 
-void removeComLink(const Machine& machine, int number) {
-    std::vector<fs::path> links = linksOf(machine, number);
+void removeComLink(const Computer& computer, int number) {
+    std::vector<fs::path> links = linksOf(computer, number);
     if (links.empty())
         throw Refusal(said(kNoLink, {std::to_string(number)}));
     std::for_each(links.begin(), links.end(), requireLink);

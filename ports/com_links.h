@@ -3,7 +3,7 @@
 /// They lie in the folder ports/ beside the programs, or beside the programs themselves. The one in ports/ comes first.
 #pragma once
 
-#include "ports/machine.h"
+#include "ports/computer.h"
 
 #include <filesystem>
 #include <stdexcept>
@@ -36,20 +36,20 @@ public:
 };
 
 /// Where new links are made: ports/, or the programs' folder where that is missing.
-std::filesystem::path linkFolder(const Machine& machine);
+std::filesystem::path linkFolder(const Computer& computer);
 
 /// The links COM1 to COM16 that are there.
-std::vector<ComLink> comLinks(const Machine& machine);
+std::vector<ComLink> comLinks(const Computer& computer);
 
 /// Makes com<number> a link to `device`, or to the stable name of that device, in the place of the link that was there.
 ///
 /// @param device  a serial device or pseudo-terminal: its name in /dev, or any path to it; a path in /dev/serial is
 /// kept, unless several adapters share it
 /// @throws Refusal  `device` is none, or the link cannot be made
-NewTarget setComLink(const Machine& machine, int number, const std::string& device);
+NewTarget setComLink(const Computer& computer, int number, const std::string& device);
 
 /// Removes com<number> from both folders.
 /// @throws Refusal  there is no such link, or it cannot be removed
-void removeComLink(const Machine& machine, int number);
+void removeComLink(const Computer& computer, int number);
 
 }  // namespace ports

@@ -54,14 +54,14 @@ int portNumber(const std::string& text) {
     return error == std::errc{} && stop == end && number >= 1 && number <= kMaxPorts ? number : 0;
 }
 
-int change(const Machine& machine, int number, const std::vector<std::string>& arguments, Output& out) {
+int change(const Computer& computer, int number, const std::vector<std::string>& arguments, Output& out) {
     if (arguments[0] == "set") {
-        const NewTarget target = setComLink(machine, number, arguments[2]);
+        const NewTarget target = setComLink(computer, number, arguments[2]);
         out << said(kIsSet, {arguments[1], target.path}) << '\n';
         if (target.isPlace)
             out << said(kIsPlace) << '\n';
     } else {
-        removeComLink(machine, number);
+        removeComLink(computer, number);
         out << said(kIsRemoved, {arguments[1]}) << '\n';
     }
     return 0;
@@ -69,9 +69,9 @@ int change(const Machine& machine, int number, const std::vector<std::string>& a
 
 }  // namespace
 
-int run(const Machine& machine, const std::vector<std::string>& arguments, Output& out, Output& error) {
+int run(const Computer& computer, const std::vector<std::string>& arguments, Output& out, Output& error) {
     if (arguments.empty())
-        return report(machine, out) ? 0 : 1;
+        return report(computer, out) ? 0 : 1;
     const std::string& command = arguments[0];
     if (command == "--help" && arguments.size() == 1) {
         out << kHelp;
@@ -84,10 +84,10 @@ int run(const Machine& machine, const std::vector<std::string>& arguments, Outpu
         return 2;
     }
     try {
-        return change(machine, number, arguments, out);
+        return change(computer, number, arguments, out);
     } catch (const Refusal& refusal) {
         error << "dravolt-ports: " << refusal.what() << '\n';
-        explainFolder(machine, error);
+        explainFolder(computer, error);
         return 1;
     }
 }

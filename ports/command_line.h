@@ -1,7 +1,7 @@
 /// The commands of dravolt-ports.
 #pragma once
 
-#include "ports/machine.h"
+#include "ports/computer.h"
 #include "ports/output.h"
 
 #include <string>
@@ -11,6 +11,6 @@ namespace ports {
 
 /// Does what the arguments say.
 /// @return exit status: 0 done; 1 not done, or no device that this user may open; 2 wrong arguments
-int run(const Machine& machine, const std::vector<std::string>& arguments, Output& out, Output& error);
+int run(const Computer& computer, const std::vector<std::string>& arguments, Output& out, Output& error);
 
 }  // namespace ports

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <fstream>
 #include <set>
-#include <sstream>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 
@@ -64,11 +63,11 @@ std::set<int> lockers(const fs::path& proc, const struct stat& file) {
 
 }  // namespace
 
-std::vector<Process> holdersOf(const Machine& machine, const fs::path& node) {
+std::vector<Process> holdersOf(const Computer& computer, const fs::path& node) {
     struct stat device {};
     if (::stat(node.c_str(), &device) != 0 || !S_ISCHR(device.st_mode))
         return {};
-    const fs::path proc = machine.root / "proc";
+    const fs::path proc = computer.root / "proc";
     std::set<int> numbers = lockers(proc, device);
     for (const int number : processes(proc))
         if (hasOpen(proc / std::to_string(number), device))
@@ -80,8 +79,8 @@ std::vector<Process> holdersOf(const Machine& machine, const fs::path& node) {
     return holders;
 }
 
-bool isRunning(const Machine& machine, const std::string& name) {
-    const fs::path proc = machine.root / "proc";
+bool isRunning(const Computer& computer, const std::string& name) {
+    const fs::path proc = computer.root / "proc";
     const std::vector<int> numbers = processes(proc);
     return std::any_of(numbers.begin(), numbers.end(),
                        [&](int number) { return nameOf(proc / std::to_string(number)) == name; });

@@ -1,7 +1,7 @@
 /// The programs that run, and which of them holds a device.
 #pragma once
 
-#include "ports/machine.h"
+#include "ports/computer.h"
 
 #include <filesystem>
 #include <string>
@@ -18,9 +18,9 @@ struct Process {
 ///
 /// The open files of other users are hidden from anyone but root; locks are not. The device itself is not touched: to
 /// open it would move its modem lines.
-std::vector<Process> holdersOf(const Machine& machine, const std::filesystem::path& node);
+std::vector<Process> holdersOf(const Computer& computer, const std::filesystem::path& node);
 
 /// Whether a program of this name runs.
-bool isRunning(const Machine& machine, const std::string& name);
+bool isRunning(const Computer& computer, const std::string& name);
 
 }  // namespace ports

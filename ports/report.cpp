@@ -96,7 +96,7 @@ std::string portsOf(const SerialDevice& device, const std::vector<ComLink>& link
     return ports;
 }
 
-void list(const Machine& machine, const SerialDevice& device, const std::vector<ComLink>& links, Output& out) {
+void list(const Computer& computer, const SerialDevice& device, const std::vector<ComLink>& links, Output& out) {
     const auto next = [&out]() -> Output& { return out << '\n' << "    "; };
     out << device.node << portsOf(device, links);
     next() << (device.description.empty() ? said(kBuiltIn) : device.description);
@@ -106,7 +106,7 @@ void list(const Machine& machine, const SerialDevice& device, const std::vector<
         out << said(kSerialNumber, {device.serialNumber});
     if (!device.stableName.empty())
         next() << said(device.sharesName ? kPlace : kStableName, {device.stableName});
-    const std::vector<Process> holders = holdersOf(machine, device.node);
+    const std::vector<Process> holders = holdersOf(computer, device.node);
     for (const Process& holder : holders)
         next() << said(kInUse, {holder.name, std::to_string(holder.number)});
     if (holders.empty())
@@ -114,12 +114,12 @@ void list(const Machine& machine, const SerialDevice& device, const std::vector<
     next() << said(mayOpen(device) ? kMayOpen : kMayNotOpen) << '\n' << '\n';
 }
 
-void list(const Machine& machine, const std::vector<ComLink>& links, Output& out) {
-    out << said(kLinks, {linkFolder(machine)}) << '\n';
+void list(const Computer& computer, const std::vector<ComLink>& links, Output& out) {
+    out << said(kLinks, {linkFolder(computer)}) << '\n';
     for (const ComLink& link : links) {
         const std::string number = std::to_string(link.number);
         out << "    " << said(link.device.empty() ? kLeadsNowhere : kLeadsTo, {number, link.target}) << '\n';
-        if (link.link.parent_path() != linkFolder(machine))
+        if (link.link.parent_path() != linkFolder(computer))
             out << "        " << said(kBeside, {link.link}) << '\n';
         if (!link.ignored.empty())
             out << "        " << said(kIgnored, {link.ignored}) << '\n';
@@ -136,38 +136,38 @@ void list(const std::set<std::string>& missing, Output& out) {
         out << "  - " << one << '\n';
 }
 
-std::set<std::string> missingFor(const Machine& machine, const std::vector<SerialDevice>& devices) {
+std::set<std::string> missingFor(const Computer& computer, const std::vector<SerialDevice>& devices) {
     std::set<std::string> missing;
     if (devices.empty())
         missing.insert(said(kNoDevice));
-    const bool modemManager = isRunning(machine, "ModemManager");
+    const bool modemManager = isRunning(computer, "ModemManager");
     for (const SerialDevice& device : devices) {
         explain(device.node, missing);
         // It leaves built-in ports alone.
         if (modemManager && !device.description.empty() && !device.keptFromModemManager)
             missing.insert(said(kModemManager, {device.node}));
     }
-    if (isRunning(machine, "brltty"))
+    if (isRunning(computer, "brltty"))
         missing.insert(said(kBrltty));
-    explain(linkFolder(machine), missing);
+    explain(linkFolder(computer), missing);
     return missing;
 }
 
 }  // namespace
 
-bool report(const Machine& machine, Output& out) {
-    const std::vector<SerialDevice> devices = serialDevices(machine);
-    const std::vector<ComLink> links = comLinks(machine);
+bool report(const Computer& computer, Output& out) {
+    const std::vector<SerialDevice> devices = serialDevices(computer);
+    const std::vector<ComLink> links = comLinks(computer);
     for (const SerialDevice& device : devices)
-        list(machine, device, links, out);
-    list(machine, links, out);
-    list(missingFor(machine, devices), out);
+        list(computer, device, links, out);
+    list(computer, links, out);
+    list(missingFor(computer, devices), out);
     return std::any_of(devices.begin(), devices.end(), mayOpen);
 }
 
-void explainFolder(const Machine& machine, Output& out) {
+void explainFolder(const Computer& computer, Output& out) {
     std::set<std::string> missing;
-    explain(linkFolder(machine), missing);
+    explain(linkFolder(computer), missing);
     for (const std::string& one : missing)
         out << one << '\n';
 }

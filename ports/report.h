@@ -1,16 +1,16 @@
 /// The list of devices and links, and what is missing.
 #pragma once
 
-#include "ports/machine.h"
+#include "ports/computer.h"
 #include "ports/output.h"
 
 namespace ports {
 
 /// Writes the list, and what keeps this user from working with a device.
 /// @return whether there is a device that this user may open
-bool report(const Machine& machine, Output& out);
+bool report(const Computer& computer, Output& out);
 
 /// Writes why this user cannot make links in their folder; nothing if he can.
-void explainFolder(const Machine& machine, Output& out);
+void explainFolder(const Computer& computer, Output& out);
 
 }  // namespace ports

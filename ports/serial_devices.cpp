@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
 #include <set>
 #include <tuple>
 
@@ -74,8 +73,8 @@ fs::path linkTo(const fs::path& node, const fs::path& folder) {
 }
 
 /// The link to the device in /dev/serial, by the adapter's identity if it has one of its own, or else by its place.
-fs::path stableName(const Machine& machine, const SerialDevice& device) {
-    const fs::path serial = machine.root / "dev/serial";
+fs::path stableName(const Computer& computer, const SerialDevice& device) {
+    const fs::path serial = computer.root / "dev/serial";
     const fs::path byIdentity = device.sharesName ? fs::path() : linkTo(device.node, serial / "by-id");
     return byIdentity.empty() ? linkTo(device.node, serial / "by-path") : byIdentity;
 }
@@ -95,18 +94,18 @@ bool isReal(const fs::path& entry) {
     return fs::exists(entry / "device", none) && line(entry / "type") != "0";
 }
 
-SerialDevice deviceOf(const Machine& machine, const fs::path& entry) {
+SerialDevice deviceOf(const Computer& computer, const fs::path& entry) {
     SerialDevice device;
     device.name = entry.filename();
-    device.node = machine.root / "dev" / device.name;
+    device.node = computer.root / "dev" / device.name;
     const fs::path hardware = fs::canonical(entry / "device");
-    const fs::path top = fs::canonical(machine.root / "sys");
+    const fs::path top = fs::canonical(computer.root / "sys");
     if (const fs::path driven = nearest(hardware, top, hasDriver); !driven.empty())
         device.driver = fs::read_symlink(driven / "driver").filename();
     const auto isUsb = [](const fs::path& folder) { return fs::exists(folder / "idVendor"); };
     if (const fs::path usb = nearest(hardware, top, isUsb); !usb.empty())
         describe(device, usb);
-    device.keptFromModemManager = isKeptFromModemManager(machine.root, line(entry / "dev"));
+    device.keptFromModemManager = isKeptFromModemManager(computer.root, line(entry / "dev"));
     return device;
 }
 
@@ -122,15 +121,15 @@ fs::path endOf(const fs::path& path) {
     return fs::canonical(path, none);
 }
 
-std::vector<SerialDevice> serialDevices(const Machine& machine) {
+std::vector<SerialDevice> serialDevices(const Computer& computer) {
     std::vector<SerialDevice> devices;
     std::error_code none;
-    for (const auto& entry : fs::directory_iterator(machine.root / "sys/class/tty", none))
+    for (const auto& entry : fs::directory_iterator(computer.root / "sys/class/tty", none))
         if (isReal(entry.path()))
-            devices.push_back(deviceOf(machine, entry.path()));
+            devices.push_back(deviceOf(computer, entry.path()));
     for (SerialDevice& device : devices) {
         device.sharesName = sharesName(device, devices);
-        device.stableName = stableName(machine, device);
+        device.stableName = stableName(computer, device);
     }
     std::sort(devices.begin(), devices.end(), isBefore);
     return devices;

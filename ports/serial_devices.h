@@ -1,7 +1,7 @@
 /// The serial devices that are there.
 #pragma once
 
-#include "ports/machine.h"
+#include "ports/computer.h"
 
 #include <filesystem>
 #include <string>
@@ -26,6 +26,6 @@ struct SerialDevice {
 std::filesystem::path endOf(const std::filesystem::path& path);
 
 /// All of them, in the order of their names and numbers; not those that are there in name only.
-std::vector<SerialDevice> serialDevices(const Machine& machine);
+std::vector<SerialDevice> serialDevices(const Computer& computer);
 
 }  // namespace ports

@@ -1,9 +1,9 @@
 #include "simulator/block_sender.h"
 
+#include "simulator/fault.h"
 #include "simulator/image.h"
 #include "simulator/wire.h"
 
-#include <cstddef>
 #include <span>
 
 namespace units {

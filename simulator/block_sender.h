@@ -1,5 +1,10 @@
 #pragma once
 
+#include "simulator/bytes.h"
+#include "simulator/fault_book.h"
+#include "simulator/journal.h"
+#include "simulator/options.h"
+#include "simulator/script.h"
 #include "simulator/xmodem_unit.h"
 
 #include <string>

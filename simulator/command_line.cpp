@@ -1,5 +1,6 @@
 #include "simulator/command_line.h"
 
+#include "simulator/bytes.h"
 #include "simulator/fault.h"
 #include "simulator/image.h"
 

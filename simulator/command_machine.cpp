@@ -1,5 +1,7 @@
 #include "simulator/command_machine.h"
 
+#include "simulator/bytes.h"
+#include "simulator/fault.h"
 #include "simulator/wire.h"
 
 namespace units {

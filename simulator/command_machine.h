@@ -6,6 +6,8 @@
 #include "simulator/journal.h"
 #include "simulator/machine.h"
 #include "simulator/operations.h"
+#include "simulator/options.h"
+#include "simulator/script.h"
 
 #include <optional>
 #include <string>

@@ -1,6 +1,7 @@
 #include "simulator/engine.h"
 
 #include "simulator/block_sender.h"
+#include "simulator/bytes.h"
 #include "simulator/packet_receiver.h"
 #include "simulator/peer.h"
 #include "simulator/wire.h"

@@ -6,7 +6,9 @@
 #include "simulator/journal.h"
 #include "simulator/line.h"
 #include "simulator/machine.h"
+#include "simulator/options.h"
 #include "simulator/pty.h"
+#include "simulator/script.h"
 
 #include <atomic>
 #include <chrono>

@@ -1,9 +1,10 @@
 #include "simulator/journal.h"
 
+#include "simulator/bytes.h"
+
 #include <algorithm>
 #include <iomanip>
 #include <iostream>
-#include <sstream>
 #include <stdexcept>
 
 namespace units {

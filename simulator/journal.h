@@ -1,6 +1,5 @@
 #pragma once
 
-#include "simulator/bytes.h"
 #include "simulator/options.h"
 
 #include <fstream>

@@ -1,4 +1,7 @@
+#include "simulator/bytes.h"
 #include "simulator/command_line.h"
+#include "simulator/image.h"
+#include "simulator/options.h"
 #include "simulator/simulator.h"
 
 #include <csignal>

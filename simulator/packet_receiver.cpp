@@ -1,5 +1,6 @@
 #include "simulator/packet_receiver.h"
 
+#include "simulator/fault.h"
 #include "simulator/image.h"
 #include "simulator/wire.h"
 

@@ -1,5 +1,7 @@
 #include "simulator/peer.h"
 
+#include "simulator/bytes.h"
+
 #include <array>
 #include <cerrno>
 #include <csignal>

@@ -2,6 +2,8 @@
 
 #include "simulator/journal.h"
 #include "simulator/machine.h"
+#include "simulator/options.h"
+#include "simulator/script.h"
 
 #include <string>
 #include <sys/types.h>

@@ -1,5 +1,6 @@
 #include "simulator/script.h"
 
+#include "simulator/fault.h"
 #include "simulator/wire.h"
 
 #include <algorithm>

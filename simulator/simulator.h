@@ -1,9 +1,9 @@
 #pragma once
 
+#include "simulator/bytes.h"
 #include "simulator/devices.h"
 #include "simulator/engine.h"
 #include "simulator/fault_book.h"
-#include "simulator/image.h"
 #include "simulator/journal.h"
 #include "simulator/options.h"
 

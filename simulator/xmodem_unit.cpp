@@ -1,5 +1,6 @@
 #include "simulator/xmodem_unit.h"
 
+#include "simulator/fault.h"
 #include "simulator/wire.h"
 
 #include <utility>

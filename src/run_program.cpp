@@ -6,6 +6,7 @@
 #include "system/program_folder.h"
 #include "system/sleep_inhibitor.h"
 #include "system/standard_error.h"
+#include "text/message_box.h"
 #include "upgrade/main_window.h"
 #include "widgets/box_window.h"
 #include "widgets/colours.h"

@@ -3,16 +3,14 @@
 #include "app/numbers.h"
 #include "app/type_tables.h"
 #include "link/device_commands.h"
+#include "link/protocol_words.h"
 #include "link/waits.h"
 #include "system/program_end.h"
 #include "text/blanks.h"
 #include "text/error_report.h"
 #include "text/message_box.h"
-#include "text/runtime_failure.h"
 #include "text/single_bytes.h"
 #include "text/string_table.h"
-
-#include <limits>
 
 QString gAmpTypeName;
 QString gAmpVersion;

@@ -1,7 +1,6 @@
 /// Identification of the connected units.
 #pragma once
 
-#include <QByteArray>
 #include <QString>
 
 /// Type name of the connected sensor amplifier.

@@ -1,13 +1,14 @@
 #include "app/ini_file.h"
 
 #include "system/regular_file.h"
+#include "system/runtime_failure.h"
 #include "text/blanks.h"
 #include "text/error_report.h"
-#include "text/runtime_failure.h"
 #include "text/string_table.h"
 
 #include <QFileInfo>
 #include <QStringDecoder>
+#include <QStringList>
 
 #include <new>
 

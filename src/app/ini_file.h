@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QString>
-#include <QStringList>
 
 /// Size of the largest INI file that is read, in bytes; a real one has a few thousand.
 inline constexpr qsizetype kMaxIniBytes = qsizetype{4} * 1'024 * 1'024;

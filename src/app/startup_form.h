@@ -1,8 +1,6 @@
 /// The start-up form: from the start of the program to the main window.
 #pragma once
 
-#include "link/ms_comm.h"
-
 #include <QWidget>
 
 class QComboBox;

@@ -3,9 +3,11 @@
 #include "app/ini_file.h"
 #include "app/numbers.h"
 #include "system/program_folder.h"
+#include "system/runtime_failure.h"
 #include "text/blanks.h"
-#include "text/runtime_failure.h"
 #include "text/string_table.h"
+
+#include <QStringList>
 
 QString typeTableFile() { return programFile(QStringLiteral("TYPE.INI")); }
 

@@ -1,8 +1,8 @@
 #include "link/com_port.h"
 
+#include "system/runtime_failure.h"
 #include "system/standard_error.h"
 #include "text/message_box.h"
-#include "text/runtime_failure.h"
 #include "text/string_table.h"
 
 MSComm* gobjComm = nullptr;

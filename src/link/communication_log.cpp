@@ -2,7 +2,7 @@
 
 #include "system/program_folder.h"
 #include "system/regular_file.h"
-#include "text/runtime_failure.h"
+#include "system/runtime_failure.h"
 
 #include <QDateTime>
 

@@ -1,12 +1,13 @@
 #include "link/device_commands.h"
 
 #include "link/frame_link.h"
+#include "link/protocol_words.h"
 #include "link/waits.h"
+#include "system/runtime_failure.h"
 #include "system/standard_error.h"
 #include "text/blanks.h"
 #include "text/error_report.h"
 #include "text/message_box.h"
-#include "text/runtime_failure.h"
 #include "text/single_bytes.h"
 #include "text/string_table.h"
 

@@ -3,8 +3,6 @@
 /// Each gives the response code, or "9999" after a run-time failure, which it has shown to the operator. None throws.
 #pragma once
 
-#include "link/protocol_words.h"
-
 #include <QByteArray>
 #include <QString>
 

@@ -1,7 +1,7 @@
 #include "link/frame.h"
 
 #include "link/protocol_words.h"
-#include "text/runtime_failure.h"
+#include "system/runtime_failure.h"
 #include "text/string_table.h"
 
 #include <array>

@@ -3,6 +3,7 @@
 #include "link/com_port.h"
 #include "link/communication_log.h"
 #include "link/frame.h"
+#include "link/ms_comm.h"
 #include "link/protocol_words.h"
 #include "link/waits.h"
 #include "system/event_wait.h"

@@ -2,12 +2,11 @@
 
 #include "link/waits.h"
 #include "system/program_folder.h"
-#include "text/runtime_failure.h"
+#include "system/runtime_failure.h"
 #include "text/string_table.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QStringList>
 
 #include <algorithm>
 #include <cerrno>

@@ -1,8 +1,8 @@
 #include "text/error_report.h"
 
 #include "system/program_end.h"
+#include "system/runtime_failure.h"
 #include "text/message_box.h"
-#include "text/runtime_failure.h"
 #include "text/string_table.h"
 
 void subReportError(const QString& description) {

@@ -1,7 +1,7 @@
 #include "text/message_box.h"
 
+#include "system/runtime_failure.h"
 #include "system/standard_error.h"
-#include "text/runtime_failure.h"
 #include "text/string_table.h"
 
 #include <utility>

@@ -1,6 +1,6 @@
 #include "text/string_table.h"
 
-#include "text/runtime_failure.h"
+#include "system/runtime_failure.h"
 
 #include <algorithm>
 #include <iterator>

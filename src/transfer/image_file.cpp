@@ -1,8 +1,8 @@
 #include "transfer/image_file.h"
 
+#include "system/runtime_failure.h"
 #include "text/blanks.h"
 #include "text/error_report.h"
-#include "text/runtime_failure.h"
 #include "text/string_table.h"
 
 #include <QFile>

@@ -2,10 +2,11 @@
 
 #include "link/com_port.h"
 #include "link/device_commands.h"
+#include "link/ms_comm.h"
 #include "link/waits.h"
 #include "system/event_wait.h"
+#include "system/runtime_failure.h"
 #include "text/message_box.h"
-#include "text/runtime_failure.h"
 #include "transfer/response_codes.h"
 
 #include <QCoreApplication>

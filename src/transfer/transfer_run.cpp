@@ -3,12 +3,13 @@
 #include "link/frame_link.h"
 #include "link/protocol_words.h"
 #include "link/waits.h"
+#include "system/runtime_failure.h"
 #include "text/error_report.h"
 #include "text/message_box.h"
-#include "text/runtime_failure.h"
 #include "text/string_table.h"
 #include "transfer/image_file.h"
 #include "transfer/response_codes.h"
+#include "transfer/xmodem_packet.h"
 #include "transfer/xmodem_sender.h"
 
 #include <algorithm>

@@ -3,7 +3,7 @@
 /// Pure: it takes what came, and hands out what to do. No port, no clock, no window.
 #pragma once
 
-#include "text/runtime_failure.h"
+#include "system/runtime_failure.h"
 #include "transfer/xmodem_packet.h"
 
 #include <QByteArray>

@@ -2,8 +2,10 @@
 #pragma once
 
 #include "app/startup_form.h"
+#include "link/device_commands.h"
 #include "transfer/raw_line.h"
 #include "transfer/transfer_run.h"
+#include "transfer/transfer_screen.h"
 #include "upgrade/fitted_label.h"
 #include "upgrade/progress_dialog.h"
 

@@ -1,7 +1,7 @@
 #include "widgets/form_texts.h"
 
+#include "system/runtime_failure.h"
 #include "text/error_report.h"
-#include "text/runtime_failure.h"
 #include "widgets/fonts.h"
 
 #include <QCoreApplication>

@@ -3,7 +3,7 @@
 #include "app/identification.h"
 #include "app/settings.h"
 #include "support/boxes.h"
-#include "support/units_test.h"
+#include "support/wire_rig.h"
 
 #include <QComboBox>
 #include <QPushButton>
@@ -20,7 +20,7 @@ public:
     QStringList calls;
 };
 
-class StartUp : public UnitsTestWith<BoxOperator> {
+class StartUp : public WireTestWith<BoxOperator> {
 protected:
     StartUp() {
         writeSettings("ENGLISH", 1);

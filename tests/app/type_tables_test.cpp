@@ -2,7 +2,7 @@
 
 #include "app/numbers.h"
 #include "support/program.h"
-#include "text/runtime_failure.h"
+#include "system/runtime_failure.h"
 
 #include <cmath>
 

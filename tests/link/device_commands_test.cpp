@@ -1,6 +1,7 @@
-#include "support/units_test.h"
+#include "link/protocol_words.h"
+#include "support/wire_rig.h"
 
-class DeviceCommands : public UnitsTest {
+class DeviceCommands : public WireTest {
 protected:
     QByteArray data;
 };

@@ -1,5 +1,5 @@
-#include "support/units_test.h"
-#include "text/runtime_failure.h"
+#include "support/wire_rig.h"
+#include "system/runtime_failure.h"
 
 #include <QDateTime>
 #include <QElapsedTimer>
@@ -10,7 +10,7 @@
 #include <sys/stat.h>
 #include <thread>
 
-class FrameLink : public UnitsTest {
+class FrameLink : public WireTest {
 protected:
     FrameLink() { clock.start(); }
 

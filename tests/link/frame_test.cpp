@@ -1,7 +1,7 @@
 #include "link/frame.h"
 
 #include "support/print.h"
-#include "text/runtime_failure.h"
+#include "system/runtime_failure.h"
 
 #include <gtest/gtest.h>
 

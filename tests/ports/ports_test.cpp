@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 
 namespace ports::test {
 
-/// A machine with a built-in port, one that exists in name only, and an adapter with two ports: the second, ttyUSB10,
+/// A computer with a built-in port, one that exists in name only, and an adapter with two ports: the second, ttyUSB10,
 /// has a driver, a stable name and a real pseudo-terminal behind it.
 class Ports : public ::testing::Test {
 protected:
@@ -20,7 +20,7 @@ protected:
         ::setenv("LC_ALL", "C", 1);
         EXPECT_EQ(::unlockpt(master_), 0);
         terminal = ::ptsname(master_);
-        fs::create_directories(machine.folder);
+        fs::create_directories(computer.folder);
         shell("terminal=" + terminal + R"(
             board=sys/devices/00:05 usb=sys/devices/usb1/1-1
             device ttyS0 $board/00:05:0/00:05:0.0 4
@@ -42,7 +42,7 @@ protected:
         fs::remove_all(root);
     }
 
-    /// Runs a script in the root of the machine. In it, `device NAME FOLDER [TYPE]` makes a serial device.
+    /// Runs a script in the root of the computer. In it, `device NAME FOLDER [TYPE]` makes a serial device.
     void shell(const std::string& script) const {
         const std::string prelude = "set -e; cd " + root.string() + R"(
             device() {
@@ -55,7 +55,7 @@ protected:
         ASSERT_EQ(std::system((prelude + script).c_str()), 0);
     }
 
-    /// Text without the machine's root in its paths.
+    /// Text without the computer's root in its paths.
     std::string shown(std::string text) const {
         for (auto at = text.find(root.string()); at != std::string::npos; at = text.find(root.string()))
             text.erase(at, root.string().size());
@@ -66,11 +66,11 @@ protected:
     std::string run(const std::vector<std::string>& arguments) {
         std::ostringstream out;
         Output screen(out);
-        const int status = ports::run(machine, arguments, screen, screen);
+        const int status = ports::run(computer, arguments, screen, screen);
         output = shown(out.str());
         std::error_code none;
-        const fs::path own = machine.folder / "ports/com3";
-        const fs::path com3 = fs::read_symlink(fs::is_symlink(own) ? own : machine.folder / "com3", none);
+        const fs::path own = computer.folder / "ports/com3";
+        const fs::path com3 = fs::read_symlink(fs::is_symlink(own) ? own : computer.folder / "com3", none);
         const std::string sentence = output.substr(0, std::min(output.find(". "), output.find('\n')));
         return sentence + " | " + std::to_string(status) + " | " + shown(com3);
     }
@@ -78,7 +78,7 @@ protected:
     bool says(const std::string& text) const { return output.find(text) != std::string::npos; }
 
     const fs::path root = fs::path(::testing::TempDir()) / ("ports_" + std::to_string(::getpid()));
-    const Machine machine{root, root / "programs"};
+    const Computer computer{root, root / "programs"};
     const std::string stable = "/dev/serial/by-id/usb-FTDI-A5";
     std::string terminal;
     std::string output;

@@ -2,8 +2,9 @@
 #pragma once
 
 #include "app/identification.h"
+#include "simulator/image.h"
 #include "support/boxes.h"
-#include "support/units_test.h"
+#include "support/wire_rig.h"
 #include "system/event_wait.h"
 #include "system/program_end.h"
 #include "transfer/image_file.h"
@@ -19,7 +20,7 @@
 
 #include <functional>
 
-class MainWindowRig : public UnitsRigWith<BoxOperator> {
+class MainWindowRig : public WireRig<BoxOperator> {
 public:
     MainWindowRig() {
         QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);

@@ -2,8 +2,8 @@
 
 #include "support/program.h"
 #include "support/user.h"
+#include "system/runtime_failure.h"
 #include "text/error_report.h"
-#include "text/runtime_failure.h"
 
 class Messages : public ProgramTest {
 protected:

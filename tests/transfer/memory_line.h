@@ -1,8 +1,9 @@
 /// A transfer without windows and port: a screen that remembers, and a line in memory.
 #pragma once
 
+#include "link/protocol_words.h"
 #include "simulator/image.h"
-#include "text/runtime_failure.h"
+#include "system/runtime_failure.h"
 #include "transfer/image_file.h"
 #include "transfer/response_codes.h"
 #include "transfer/transfer_run.h"

@@ -1,11 +1,11 @@
 #include "transfer/raw_line.h"
 
-#include "support/units_test.h"
+#include "support/wire_rig.h"
 #include "system/event_wait.h"
 #include "transfer/memory_line.h"
 
 /// Runs on a real port, with simulated units or foreign programs behind it.
-class RawLineTest : public UnitsTest {
+class RawLineTest : public WireTest {
 protected:
     RawLineTest() { gImageBuf = someImage() + '\0'; }
 

@@ -17,9 +17,9 @@ using namespace std::chrono_literals;
 
 /// @tparam Operator  who answers the message boxes: User, or BoxOperator where boxes are windows
 template <class Operator>
-class UnitsRigWith : public ProgramRig {
+class WireRig : public ProgramRig {
 public:
-    UnitsRigWith() {
+    WireRig() {
         gLanguage = 1;
         gLangOffset = 10000;
         gUnitNo = kSensorAmplifier;
@@ -27,7 +27,7 @@ public:
         options.timing.startInterval = 50ms;
     }
 
-    ~UnitsRigWith() {
+    ~WireRig() {
         subPortClose();
         ::close(heldPort_);
         gblnCommBusy = false;
@@ -71,6 +71,6 @@ private:
 };
 
 template <class Operator>
-class UnitsTestWith : public testing::Test, protected UnitsRigWith<Operator> {};
+class WireTestWith : public testing::Test, protected WireRig<Operator> {};
 
-using UnitsTest = UnitsTestWith<User>;
+using WireTest = WireTestWith<User>;

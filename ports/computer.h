@@ -5,8 +5,8 @@
 
 namespace ports {
 
-/// The machine whose ports are shown. Tests make one of their own.
-struct Machine {
+/// The computer whose ports are shown. Tests make one of their own.
+struct Computer {
     std::filesystem::path root = "/";  ///< what lies in sys, dev, proc and run below it is looked at
     std::filesystem::path folder;      ///< folder of the programs
 };
