@@ -5,9 +5,7 @@
 #include "support/input.h"
 #include "system/program_folder.h"
 #include "system/runtime_failure.h"
-#include "text/blanks.h"
 #include "text/message_box.h"
-#include "text/single_bytes.h"
 #include "transfer/image_file.h"
 #include "upgrade/image_loading.h"
 
@@ -31,10 +29,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     gImageBuf.replace(0x3BF05, 2, info.left(2));
     gImageBuf.replace(0x3BF10, 16, info.mid(2));
 
-    const int word = static_cast<unsigned char>(info[0]) + 256 * static_cast<unsigned char>(info[1]);
-    require(fncGetImageInfo(kImageVersionWord) == (word > 32767 ? QString() : QString::number(word)),
-            "the word is read");
-    require(fncGetImageInfo(kImageTypeKey) == trimBlanks(singleByteText(info.mid(2))), "the type key is its 16 bytes");
     try {
         takeImageInfo();
     } catch (const RuntimeFailure& f) {

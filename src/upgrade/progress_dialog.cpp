@@ -69,7 +69,6 @@ void frmWait::cmdCancel_Click() {
 
 void frmWait::start(int bytes) {
     prbComm->setRange(0, bytes);
-    sinceFirst_.invalidate();
     setBytes(0);
     refresh();
     refresh_.start();

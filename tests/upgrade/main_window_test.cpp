@@ -3,8 +3,10 @@
 
 #include <QAccessible>
 #include <QDir>
-#include <QKeyEvent>
+#include <QHelpEvent>
 #include <QProgressBar>
+#include <QScreen>
+#include <QToolTip>
 
 #include <sys/stat.h>
 
@@ -35,15 +37,19 @@ TEST_F(MainWindowTest, ShowsAndReadsAloudItsTextsInBothLanguages) {
         form.createHidden();
         form.showProgress();
         EXPECT_EQ(form.windowTitle(), "Dravolt ver1.004");
-        for (const char* name : {"lblTitle(2)", "chkVerify", "cmdEnd", "lblService"})
-            EXPECT_EQ(form.findChild<QWidget*>(name)->font().family(), gLanguage == 0 ? "ＭＳ Ｐゴシック" : "Arial")
-                << name;
+        for (const char* name : {"lblTitle(2)", "chkVerify", "cmdEnd", "lblService"}) {
+            const QStringList families = form.findChild<QWidget*>(name)->font().families();
+            EXPECT_EQ(families.front(), gLanguage == 0 ? "ＭＳ Ｐゴシック" : "Arial") << name;
+            EXPECT_TRUE(families.contains("IPAPGothic")) << name;
+        }
         EXPECT_EQ(gFilterText.section(u'|', 0, 0), gLanguage == 0 ? "Binファイル (*.bin)" : "Bin File (*.bin)");
         EXPECT_EQ(progressDialog()->windowTitle(), gLanguage == 0 ? "ドラボルト" : "Dravolt");
         for (const auto& [name, english, japanese] : texts) {
             auto* control = form.findChild<QWidget*>(name);
             if (control == nullptr)
                 control = progressDialog()->findChild<QWidget*>(name);
+            const QPoint corner = control->mapTo(control->window(), QPoint());
+            EXPECT_TRUE(control->window()->rect().contains({corner, control->size()})) << name;
             EXPECT_EQ(QAccessible::queryAccessibleInterface(control)->text(QAccessible::Name),
                       gLanguage == 0 ? japanese : english);
         }
@@ -51,6 +57,9 @@ TEST_F(MainWindowTest, ShowsAndReadsAloudItsTextsInBothLanguages) {
 }
 
 TEST_F(MainWindowTest, StartsWithNothingToWrite) {
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_LT((window.geometry().center() - window.screen()->geometry().center()).manhattanLength(), 9);
+    EXPECT_LT(label("lblVersion(%1)", 0).y(), label("lblVersion(%1)", 1).y());
     EXPECT_EQ(QStringList({row(0), row(1), row(2)}), QStringList({"AMP-A 0.500", "IFU-D 1.004", " "}));
     EXPECT_FALSE(button("cmdUpgrade").isEnabled());
     for (const char* hidden : {"chkVerify", "cmdPresent", "LabelWriteProtect"})
@@ -72,6 +81,8 @@ TEST_F(MainWindowTest, TheRowThatIsNotTheTargetIsGrey) {
         EXPECT_EQ(isGrey(0), target != 0);
         EXPECT_EQ(isGrey(1), target != 1);
     }
+    label("lblTitle(%1)", 1).setEnabled(false);
+    EXPECT_TRUE(isGrey(1)) << "in a disabled window";
 }
 
 TEST_F(MainWindowTest, WithoutTypeTablesTheProgramEnds) {
@@ -81,17 +92,17 @@ TEST_F(MainWindowTest, WithoutTypeTablesTheProgramEnds) {
     EXPECT_EQ(user.said(), QStringList("INI file does not exist."));
 }
 
-TEST_F(MainWindowTest, TheKeyboardVisitsEachControl) {
-    load("amp.bin");
-    QStringList visited;
-    for (int i = 0; i < 6; ++i) {
-        QWidget* focused = window.focusWidget();
-        visited += focused->objectName();
-        QKeyEvent tab(QEvent::KeyPress, Qt::Key_Tab, {});
-        QApplication::sendEvent(focused, &tab);
-    }
-    EXPECT_EQ(visited,
-              QStringList({"cmdLoading", "cmdUpgrade", "cmdEnd", "optPresent(0)", "optPresent(1)", "cmdLoading"}));
+TEST_F(MainWindowTest, ALongNameIsMadeSmallerOrMarkedAndToldInATip) {
+    QLabel& name = label("lblTitle(%1)", 2);
+    const auto tip = [&name](const QString& text) {
+        name.setText(text);
+        QHelpEvent pointing(QEvent::ToolTip, {}, name.mapToGlobal(QPoint()));
+        QApplication::sendEvent(&name, &pointing);
+        return QToolTip::text();
+    };
+    EXPECT_EQ(tip("A name of 20 letters"), "");
+    const QString tooLong = QString("<b>").repeated(40);
+    EXPECT_EQ(tip(tooLong), Qt::convertFromPlainText(tooLong));
 }
 
 TEST_F(MainWindowTest, AnImageIsNamedByTheTypeTables) {
@@ -143,7 +154,10 @@ TEST_F(MainWindowTest, AnImageThatCannotBeReadIsNotLoaded) {
         dialog.selectFile(file("amp.bin"));
         QMetaObject::invokeMethod(&dialog, "accept");
         // After the look at its length, before the reading.
-        QTimer::singleShot(0, &window, [this] { writeFile("amp.bin", "cut"); });
+        QTimer::singleShot(0, &window, [this] {
+            EXPECT_EQ(state(), "disabled, hourglass");
+            writeFile("amp.bin", "cut");
+        });
     });
     button("cmdLoading").click();
     EXPECT_EQ(user.said().filter("the file ends after 3 of 245760 bytes").size(), 1);
@@ -200,15 +214,21 @@ protected:
 };
 
 TEST_F(MainWindowTest, DuringARunOnlyClosingTheWindowActs) {
-    unitsWith({"delay:300@packet900"});
+    unitsWith({"delay:1100@packet900"});
     gWaits.progressPainting = 1ms;
     load("amp.bin");
     int ends = 0;
     setProgramEnd([&ends] { ++ends; });
     Paintings paintings;
+    QString format;
     meanwhile("packet 1", [&] { progressDialog()->findChild<QProgressBar*>()->installEventFilter(&paintings); });
     meanwhile("packet 899", [&] {
         QWidget* dialog = progressDialog();
+        const auto* bar = dialog->findChild<QProgressBar*>();
+        format = bar->format();
+        EXPECT_EQ(bar->maximum(), kImageSize);
+        EXPECT_LT((dialog->geometry().center() - window.frameGeometry().center()).manhattanLength(), 9);
+        EXPECT_EQ(dialog->windowHandle()->transientParent(), window.windowHandle());
         EXPECT_EQ(state(), kRunning);
         EXPECT_TRUE(dialog->isEnabled());
         EXPECT_FALSE(dialog->findChild<QPushButton*>("cmdCancel")->isVisible());
@@ -220,8 +240,10 @@ TEST_F(MainWindowTest, DuringARunOnlyClosingTheWindowActs) {
     upgrade();
     EXPECT_GT(ends, 0) << "closing the main window ends the program, also while a transfer runs";
     EXPECT_GT(paintings.count, 0);
+    EXPECT_TRUE(format.endsWith("left)")) << "after a second";
     ends = 0;
-    button("cmdEnd").click();
+    QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, {});
+    QApplication::sendEvent(&button("cmdEnd"), &enter);
     EXPECT_EQ(ends, 1);
 }
 

@@ -1,6 +1,7 @@
 #include "support/main_window_rig.h"
 
 #include <QCheckBox>
+#include <QDir>
 
 /// The window for service engineers.
 class ServiceTest : public MainWindowTest {
@@ -19,10 +20,11 @@ TEST_F(ServiceTest, AVerifiedRunKeepsItsUnitToItsLastCommand) {
     unitsWith({});
     load("amp.bin");
     tickVerification();
-    QStringList states;
+    QString seen;
     meanwhile("300552010C00", [&] {
         choose(1);
-        states += state();
+        seen =
+            state() + (offersCancel() ? ", " : ", no ") + "Cancel, " + progressDialog()->findChild<QLabel*>()->text();
     });
     upgrade();
     EXPECT_EQ(gUnitNo, kInterfaceUnit) << "chosen for the next run";
@@ -30,8 +32,7 @@ TEST_F(ServiceTest, AVerifiedRunKeepsItsUnitToItsLastCommand) {
     const std::vector<std::string> expected{"0101D40001000001", "300550010000", "300551010C00", "300554010000",
                                             "300552010C00",     "300554010000", "300554010000", "300553010000"};
     EXPECT_EQ(requests(), expected);
-    states.removeDuplicates();
-    EXPECT_EQ(states, QStringList(kRunning));
+    EXPECT_EQ(seen, QString(kRunning) + ", Cancel, Verification...");
     EXPECT_EQ(state(), kReady);
     EXPECT_EQ(gobjComm, nullptr) << "a verification closes the port";
 }
@@ -46,9 +47,14 @@ TEST_F(ServiceTest, ASaveCanBeCancelledUnlikeAWrite) {
     EXPECT_LT(looks, 1'000);
     chooseInDialog("none.bin");
     button("cmdPresent").click();
-    EXPECT_TRUE(offersCancel());
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
+        QKeyEvent press(QEvent::KeyPress, key, {});
+        QApplication::sendEvent(progressDialog(), &press);
+        EXPECT_TRUE(offersCancel()) << key;
+    }
     EXPECT_EQ(state(), kRunning);
     progressDialog()->findChild<QPushButton*>("cmdCancel")->click();
+    EXPECT_FALSE(offersCancel());
     waitServingEvents(5s, [] { return !TransferRun::isRunning(); });
     EXPECT_TRUE(simulator->hasNoted("cancelled by the client"));
     EXPECT_EQ(state(), kReady);
@@ -56,12 +62,19 @@ TEST_F(ServiceTest, ASaveCanBeCancelledUnlikeAWrite) {
 
 TEST_F(ServiceTest, TheHourglassGoesAfterEverySave) {
     unitsWith({});
+    save("saved.bin");
+    EXPECT_TRUE(isSaved("saved.bin", units::Unit::amplifier));
+    EXPECT_EQ(user.said(), QStringList("Succeed"));
     tickVerification();
     save("none.bin");
     EXPECT_EQ(state(), kReady) << "with Verification ticked";
     EXPECT_EQ(user.said(), QStringList());
     EXPECT_EQ(readFile("none.bin"), "");
     subPortClose();
+    QStringList preset;
+    inDialog([&preset](const QFileDialog& dialog) { preset = dialog.selectedFiles(); });
+    button("cmdPresent").click();
+    EXPECT_EQ(preset, QStringList(file("none.bin")));
     save("none.bin");
     EXPECT_EQ(state(), kReady) << "on the port that a verification has closed";
 }
@@ -69,13 +82,16 @@ TEST_F(ServiceTest, TheHourglassGoesAfterEverySave) {
 TEST_F(ServiceTest, TheFileDialogsAreForImages) {
     QStringList offered;
     for (const char* name : {"cmdLoading", "cmdPresent"}) {
-        inDialog([&offered](const QFileDialog& dialog) {
-            offered << dialog.nameFilters().join('|') << dialog.defaultSuffix()
-                    << (dialog.acceptMode() == QFileDialog::AcceptSave ? "save" : "open");
+        inDialog([&](const QFileDialog& dialog) {
+            offered << dialog.nameFilters().join('|') + " ." + dialog.defaultSuffix() +
+                           (dialog.acceptMode() == QFileDialog::AcceptSave ? " saves" : " opens") +
+                           (dialog.testOption(QFileDialog::DontConfirmOverwrite) ? "" : ", asks");
+            EXPECT_EQ(dialog.directory(), QDir(file("")));
         });
         button(name).click();
     }
-    EXPECT_EQ(offered, QStringList({"Bin File (*.bin)", "", "open", "Bin File (*.bin)", "bin", "save"}));
+    EXPECT_EQ(offered, QStringList({"Bin File (*.bin) . opens, asks", "Bin File (*.bin) .bin saves, asks"}));
+    EXPECT_TRUE(user.boxes().empty()) << "a cancelled dialog does nothing";
 }
 
 TEST_F(ServiceTest, NothingClosesASaveBelowTheBoxOfItsCancel) {
@@ -93,4 +109,17 @@ TEST_F(ServiceTest, NothingClosesASaveBelowTheBoxOfItsCancel) {
     EXPECT_EQ(user.boxes().front().title, "エラー");
     waitServingEvents(5s, [] { return !TransferRun::isRunning(); });
     EXPECT_EQ(state(), kReady);
+}
+
+TEST_F(ServiceTest, TheKeyboardVisitsEachControl) {
+    load("amp.bin");
+    QStringList visited;
+    for (int i = 0; i < 8; ++i) {
+        QWidget* focused = window.focusWidget();
+        visited += focused->objectName();
+        QKeyEvent tab(QEvent::KeyPress, Qt::Key_Tab, {});
+        QApplication::sendEvent(focused, &tab);
+    }
+    EXPECT_EQ(visited.join(' '),
+              "cmdLoading cmdUpgrade cmdEnd cmdPresent optPresent(0) optPresent(1) chkVerify cmdLoading");
 }

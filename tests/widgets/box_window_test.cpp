@@ -1,5 +1,6 @@
 #include "support/boxes.h"
 #include "support/program.h"
+#include "widgets/colours.h"
 #include "widgets/form_texts.h"
 
 class BoxWindow : public ProgramTest {
@@ -56,5 +57,13 @@ TEST_F(BoxWindow, QtsOwnTextsSpeakTheLanguageOfTheForms) {
         gLanguage = language;
         subApplyLanguage([] {});
         EXPECT_EQ(QCoreApplication::translate("QPlatformTheme", "Save"), save);
+    }
+}
+
+TEST(Colours, OnADarkDesktopTheOutlinesOfOptionButtonsAreLightToo) {
+    for (const QColor ground : {Qt::white, Qt::black}) {
+        QApplication::setPalette(QPalette(Qt::gray, ground));
+        repairDarkPalette();
+        EXPECT_GT(QApplication::palette("QRadioButton").color(QPalette::Window).lightness(), 100);
     }
 }
