@@ -16,9 +16,9 @@ namespace ports {
 namespace {
 
 constexpr Text kNothingThere{"%1: there is no such device", "%1: デバイスがありません"};
-constexpr Text kNoSerialPort{"%1 is no serial port", "%1 はシリアルポートではありません"};
+constexpr Text kNoSerialPort{"%1 is not a serial port", "%1 はシリアルポートではありません"};
 constexpr Text kNoLink{"COM%1 has no link", "COM%1 のリンクはありません"};
-constexpr Text kNotALink{"%1 is no link; it stays as it is", "%1 はリンクではないため、変更しません"};
+constexpr Text kNotALink{"%1 is not a link; it is left unchanged", "%1 はリンクではないため、変更しません"};
 constexpr Text kOwnedByOther{"%1 belongs to %2; only %2 and root can change it",
                              "%1 の所有者は %2 です。変更できるのは %2 と root だけです"};
 constexpr Text kFailed{"%1: %2", "%1: %2"};

@@ -13,7 +13,7 @@ struct Range {
     char32_t last;
 };
 
-/// Controls, what is invisible or turns the direction of writing, and what is no character.
+/// Controls, what is invisible or turns the direction of writing, and what is not a character.
 // clang-format off
 constexpr Range kNotShown[] = {
     {0, 0x1F}, {0x7F, 0x9F}, {0xAD, 0xAD}, {0x61C, 0x61C}, {0x180E, 0x180E}, {0x200B, 0x200F},

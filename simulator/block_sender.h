@@ -1,3 +1,4 @@
+/// An upload: the unit sends its firmware.
 #pragma once
 
 #include "simulator/bytes.h"

@@ -1,3 +1,4 @@
+/// Bytes, and how they are written down.
 #pragma once
 
 #include <cstdint>

@@ -55,7 +55,7 @@ RequestParser::Result RequestParser::add(std::uint8_t byte) {
     } else if (byte == kEtx) {
         state_ = State::check;
     } else if (!isCommandCharacter(byte)) {
-        return refuse("byte that is no command character: " + hexDump(frame_));
+        return refuse("byte that is not a command character: " + hexDump(frame_));
     } else if (position >= kHeader.size() + kMaxCommand) {
         return refuse("request too long: " + hexDump(frame_));
     }

@@ -1,3 +1,4 @@
+/// What dravolt-units is asked to do.
 #pragma once
 
 #include "simulator/options.h"
@@ -21,8 +22,9 @@ struct CommandLine {
     std::uint32_t seed = 1;
 };
 
-/// Reads the arguments after the program's name and the firmware files they name. Throws std::invalid_argument with the
-/// reason if they make no sense, std::runtime_error if a file cannot be read.
+/// Reads the arguments after the program's name and the firmware files they name.
+/// @throws std::invalid_argument  the arguments make no sense; says why
+/// @throws std::runtime_error     a file cannot be read
 CommandLine parseCommandLine(std::span<const std::string> arguments);
 
 /// Describes all options and faults.

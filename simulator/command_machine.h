@@ -1,3 +1,4 @@
+/// The units between transfers: they answer commands.
 #pragma once
 
 #include "simulator/command_frames.h"

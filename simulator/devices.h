@@ -1,3 +1,4 @@
+/// What the units are, apart from how they talk.
 #pragma once
 
 #include "simulator/bytes.h"
@@ -13,8 +14,8 @@ namespace units {
 /// What the two units are and which firmware they run. Safe to use from several threads.
 class Devices {
 public:
-    /// Throws std::invalid_argument if an option is out of range, std::runtime_error if a firmware file that is to
-    /// follow the firmware cannot be written.
+    /// @throws std::invalid_argument  an option is out of range
+    /// @throws std::runtime_error     a file that is to follow the firmware cannot be written
     explicit Devices(const Options& options);
 
     /// Model name padded to 16 characters, then "V" and the version.

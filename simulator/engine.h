@@ -1,3 +1,4 @@
+/// The loop that runs the units.
 #pragma once
 
 #include "simulator/command_machine.h"
@@ -23,7 +24,8 @@ namespace units {
 /// any.
 class Engine {
 public:
-    /// Opens the port. Throws std::system_error if that fails.
+    /// Opens the port.
+    /// @throws std::system_error  that fails
     Engine(const Options& options, Devices& devices, FaultBook& faults, Journal& journal);
     ~Engine();
     Engine(const Engine&) = delete;

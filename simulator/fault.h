@@ -1,3 +1,4 @@
+/// What can go wrong, and how it is written on the command line.
 #pragma once
 
 #include "simulator/bytes.h"
@@ -57,8 +58,8 @@ struct Fault {
     unsigned times = 1;  ///< number of occurrences in a row, or kAlways
 };
 
-/// Reads KIND[:VALUE]@PLACE[#K][*TIMES]. Throws std::invalid_argument with the reason if the text is not of that form
-/// or the kind cannot happen at the place.
+/// Reads KIND[:VALUE]@PLACE[#K][*TIMES].
+/// @throws std::invalid_argument  the text is not of that form, or the kind cannot happen at the place; says why
 Fault parseFault(std::string_view text);
 
 /// Whether a place is one that the pattern stands for.

@@ -1,3 +1,4 @@
+/// When a fault is due.
 #pragma once
 
 #include "simulator/fault.h"
@@ -36,7 +37,7 @@ private:
 /// Keeps count of when each fault is due. Safe to use from several threads.
 class FaultBook {
 public:
-    /// Throws std::invalid_argument if a fault cannot be read.
+    /// @throws std::invalid_argument  a fault cannot be read
     explicit FaultBook(const std::vector<std::string>& faults);
 
     /// Counts an occurrence of the place and returns the faults that are due at it.

@@ -1,3 +1,4 @@
+/// Firmware images, made, read and written.
 #pragma once
 
 #include "simulator/bytes.h"
@@ -14,16 +15,18 @@ inline constexpr std::size_t kImageSize = kBlockSize * kImageBlocks;
 
 /// A firmware image of kImageSize bytes whose content follows from the arguments alone: pseudo-random bytes in which
 /// every value occurs, with the version and the type key in the information block.
-/// Throws std::invalid_argument if the key is longer than 16 characters.
+/// @throws std::invalid_argument  the key is longer than 16 characters
 Bytes makeImage(std::string_view typeKey, std::uint16_t version, std::uint32_t seed);
 
 /// The version word of an image of kImageSize bytes.
 std::uint16_t imageVersion(const Bytes& image);
 
-/// Reads a file that must hold an image. Throws std::runtime_error if it cannot be read or has another size.
+/// Reads a file that must hold an image.
+/// @throws std::runtime_error  it cannot be read or has another size
 Bytes loadImage(const std::string& path);
 
-/// Writes bytes to a file. Throws std::runtime_error if that fails.
+/// Writes bytes to a file.
+/// @throws std::runtime_error  that fails
 void saveImage(const std::string& path, const Bytes& image);
 
 }  // namespace units

@@ -1,3 +1,4 @@
+/// What happened, for people and tests to read.
 #pragma once
 
 #include "simulator/options.h"
@@ -15,7 +16,8 @@ namespace units {
 /// threads.
 class Journal {
 public:
-    /// Writes to the file as well unless the path is empty. Throws std::runtime_error if it cannot be opened.
+    /// Writes to the file as well unless the path is empty.
+    /// @throws std::runtime_error  it cannot be opened
     explicit Journal(const std::string& path = {}, bool violationsToStderr = false);
 
     void received(Time at, std::string_view meaning, std::span<const std::uint8_t> bytes = {});

@@ -1,3 +1,4 @@
+/// What all ways to behave on the line have in common.
 #pragma once
 
 #include "simulator/options.h"

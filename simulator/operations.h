@@ -1,3 +1,4 @@
+/// The operation commands and their order.
 #pragma once
 
 #include "simulator/options.h"

@@ -1,3 +1,4 @@
+/// What can be set about a simulation.
 #pragma once
 
 #include "simulator/bytes.h"

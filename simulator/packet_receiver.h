@@ -1,3 +1,4 @@
+/// A download: the unit takes an image.
 #pragma once
 
 #include "simulator/bytes.h"

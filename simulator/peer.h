@@ -1,3 +1,4 @@
+/// Another program in the place of a unit.
 #pragma once
 
 #include "simulator/journal.h"
@@ -19,7 +20,8 @@ public:
     Peer(const Peer&) = delete;
     Peer& operator=(const Peer&) = delete;
 
-    /// Starts the program. Throws std::system_error if there is no way to.
+    /// Starts the program.
+    /// @throws std::system_error  it cannot be started
     Script begin(Time now) override;
     Script take(std::uint8_t byte, Time now) override;
     void sent(Time) override {}

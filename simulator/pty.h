@@ -1,3 +1,4 @@
+/// The port.
 #pragma once
 
 #include "simulator/bytes.h"
@@ -14,7 +15,8 @@ namespace units {
 /// that the client may close and open it again.
 class Pty {
 public:
-    /// Throws std::system_error if no pseudo-terminal or link can be made. A link replaces only another link.
+    /// A link replaces only another link.
+    /// @throws std::system_error  no pseudo-terminal or link can be made
     explicit Pty(const Options& options);
     ~Pty();
     Pty(const Pty&) = delete;

@@ -1,3 +1,4 @@
+/// What the units send, and when.
 #pragma once
 
 #include "simulator/bytes.h"

@@ -1,3 +1,4 @@
+/// The face of the simulated units.
 #pragma once
 
 #include "simulator/bytes.h"
@@ -19,8 +20,8 @@ namespace units {
 /// to stop() or destruction. All functions may be called from any thread.
 class Simulator {
 public:
-    /// Throws std::invalid_argument if an option or fault is wrong, std::runtime_error if a file or the port cannot be
-    /// opened.
+    /// @throws std::invalid_argument  an option or a fault is wrong
+    /// @throws std::runtime_error     a file or the port cannot be opened
     explicit Simulator(const Options& options = {});
     ~Simulator();
     Simulator(const Simulator&) = delete;

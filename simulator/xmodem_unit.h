@@ -1,3 +1,4 @@
+/// What uploads and downloads have in common.
 #pragma once
 
 #include "simulator/fault_book.h"
@@ -23,7 +24,7 @@ protected:
 
     /// A CAN came; the second one in a row ends the transfer.
     void takeCancel(Time now);
-    /// The next byte is no CAN. @return whether a single one came before it, which is a violation
+    /// The next byte is not a CAN. @return whether a single one came before it, which is a violation
     bool singleCancel(Time now);
     void forgetCancel() { cancels_ = 0; }
     /// Whether the byte begins a command of a client that does not know of the transfer, which ends then.

@@ -41,7 +41,7 @@ static QByteArray readFile(const QString& path) {
         return {};
     // A pipe would block, and a device may have no end.
     if (!QFileInfo(file).isFile())
-        fail(textByOffset({u"this is no file", u"ファイルではありません"}));
+        fail(textByOffset({u"not a regular file", u"ファイルではありません"}));
     if (!file.open(QIODevice::ReadOnly))
         fail(file.errorString());
     const QByteArray bytes = file.read(kMaxIniBytes + 1);

@@ -30,7 +30,7 @@ QString iniValue(const QString& stored);
 
 /// The first value for `key` in `section` of the INI file with the content `bytes`, as it is stored; empty when there
 /// is none. Pure.
-/// @throws std::bad_alloc  there is no room for the content
+/// @throws std::bad_alloc  out of memory
 QString storedValue(const QByteArray& bytes, const QString& section, const QString& key);
 
 /// The text of an INI file: UTF-8 if all of `bytes` decodes as such, else CP932. Pure.

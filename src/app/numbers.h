@@ -18,7 +18,7 @@ double leadingNumber(const QString& text);
 std::optional<double> wholeNumber(const QString& text);
 
 /// `value` rounded to the nearest whole number, halves to the even one.
-/// @throws RuntimeFailure  the number has no place in 16 bits, sign included
+/// @throws RuntimeFailure  the number does not fit into 16 bits, sign included
 std::int16_t toInt16(double value);
 
 /// The same for 32 bits.

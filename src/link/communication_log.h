@@ -6,5 +6,5 @@
 /// Appends the local time (`yyyy/MM/dd HH:mm:ss`), one space and `line`, ended by CR LF.
 ///
 /// The file is opened and closed for each record. Called by the frame link only.
-/// @throws RuntimeFailure  the file cannot be opened or written, or is no regular file
+/// @throws RuntimeFailure  the file cannot be opened or written, or is not a regular file
 void subWriteCommLog(const QString& line);

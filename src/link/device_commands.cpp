@@ -48,7 +48,7 @@ static int decimalNumber(const QByteArray& characters) {
     const int number = characters.trimmed().toInt(&isNumber);
     if (!isNumber)
         throw RuntimeFailure(failure::kTypeMismatch,
-                             textByOffset({u"The number of sensors in the status reply is no number: \"%1\"",
+                             textByOffset({u"The number of sensors in the status reply is not a number: \"%1\"",
                                            u"ステータス応答のセンサ台数が数値ではありません: \"%1\""})
                                  .arg(singleByteText(characters)));
     return number;

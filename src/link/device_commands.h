@@ -40,5 +40,5 @@ QString fncReadVariable(const QString& type, int address, int count, QByteArray&
 QString fncOperationCommand(const QString& code, int related);
 
 /// Reads the sensor amplifier's type once: the check before a write.
-/// @return 0 when it answers normally; else its response code as a decimal number, or 8 when that is no number
+/// @return 0 when it answers normally; else its response code as a decimal number, or 8 when that is not a number
 int fncCheckSensorComm();

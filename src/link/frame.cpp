@@ -71,7 +71,7 @@ void ReplyParser::takePair(char byte) {
     const std::optional<char> value = byteOf(pendingDigit_, byte);
     if (!value)
         throw RuntimeFailure(failure::kTypeMismatch,
-                             textByOffset({u"The reply is damaged: characters %1 and %2 are no hexadecimal pair",
+                             textByOffset({u"The reply is damaged: characters %1 and %2 are not a hexadecimal pair",
                                            u"応答が壊れています: %1文字目と%2文字目が16進数ではありません"})
                                  .arg(count_ - 1)
                                  .arg(count_));

@@ -68,7 +68,7 @@ QString remedy(int error) {
                              u"。アダプターが抜けているか、ポートにデバイスがありません"});
     case ENOTTY:
     case EISDIR:
-        return textByOffset({u"; this is no serial port", u"。シリアルポートではありません"});
+        return textByOffset({u"; not a serial port", u"。シリアルポートではありません"});
     case ETIMEDOUT:
         return textByOffset({u"; the unit or adapter takes no data: check cable and power",
                              u"。データを送信できません。ケーブルと電源を確認してください"});

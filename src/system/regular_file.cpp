@@ -16,7 +16,7 @@ bool RegularFile::open(OpenMode mode) {
     struct stat status {};
     if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode))
         return QFile::open(descriptor, mode, AutoCloseHandle);
-    setErrorString(QStringLiteral("this is no file"));
+    setErrorString(QStringLiteral("not a regular file"));
     ::close(descriptor);
     return false;
 }

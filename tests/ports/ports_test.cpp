@@ -138,8 +138,8 @@ TEST_F(Ports, AreLinkedByTheirStableNames) {
     EXPECT_EQ(run({"set", "3", "ttyUSB9"}), "COM3 is now /dev/ttyUSB9 | 0 | /dev/ttyUSB9");
     EXPECT_EQ(run({"set", "3", terminal}), "COM3 is now " + stable + " | 0 | " + stable);
     EXPECT_EQ(run({"set", "3", "ttyUSB7"}), "dravolt-ports: /dev/ttyUSB7: there is no such device | 1 | " + stable);
-    EXPECT_EQ(run({"set", "3", "/dev/null"}), "dravolt-ports: /dev/null is no serial port | 1 | " + stable);
-    const std::string isNoLink = "dravolt-ports: /programs/com4 is no link; it stays as it is | 1 | " + stable;
+    EXPECT_EQ(run({"set", "3", "/dev/null"}), "dravolt-ports: /dev/null is not a serial port | 1 | " + stable);
+    const std::string isNoLink = "dravolt-ports: /programs/com4 is not a link; it is left unchanged | 1 | " + stable;
     EXPECT_EQ(run({"set", "4", "ttyUSB9"}), isNoLink);
     EXPECT_EQ(run({"remove", "4"}), isNoLink);
     EXPECT_EQ(run({"set", "17", "ttyUSB9"}),
