@@ -32,7 +32,16 @@ static void readInto(QByteArray& array, qsizetype count, const QString& path) {
 
 static void writeFrom(const QByteArray& array, qsizetype count, const QString& path) {
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(array.constData(), count) != count || !file.commit())
+    if (!file.open(QIODevice::WriteOnly))
+        fail(file);
+    for (qint64 at = 0; at < count;) {
+        // A disk that gets full takes a part first; only the next attempt says why it takes no more.
+        const qint64 taken = file.write(array.constData() + at, count - at);
+        if (taken <= 0)
+            fail(file);
+        at += taken;
+    }
+    if (!file.commit())
         fail(file);
 }
 

@@ -136,7 +136,7 @@ TEST_F(Run, ASaveThatDoesNotFitOnTheDiskLeavesTheOldFile) {
     run.read({.file = file("saved.bin")});
     const QString end = story();
     ::setrlimit(RLIMIT_FSIZE, &before);
-    EXPECT_TRUE(end.startsWith("52, progress, " + error + file("saved.bin") + ": ")) << qPrintable(end);
+    EXPECT_TRUE(end.startsWith("52, progress, " + error + file("saved.bin") + ": File too large")) << qPrintable(end);
     EXPECT_EQ(readFile("saved.bin"), "old");
     EXPECT_EQ(QDir(file({})).entryList(QDir::Files), QStringList("saved.bin")) << "nothing is left behind";
 }
