@@ -44,8 +44,8 @@ std::vector<ComLink> comLinks(const Computer& computer);
 /// Makes com<number> a link to `device`, or to the stable name of that device, in the place of the link that was there.
 ///
 /// @param device  a serial device or pseudo-terminal: its name in /dev, or any path to it; a path in /dev/serial is
-/// kept, unless several adapters share it
-/// @throws Refusal  `device` is none, or the link cannot be made
+///                kept, unless several adapters share it
+/// @throws Refusal  `device` is not such a device, or the link cannot be made
 NewTarget setComLink(const Computer& computer, int number, const std::string& device);
 
 /// Removes com<number> from both folders.

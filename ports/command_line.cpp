@@ -39,14 +39,14 @@ constexpr Text kWrong{"wrong arguments; see dravolt-ports --help",
 constexpr Text kIsSet{"COM%1 is now %2. The program uses it when Setting.INI says COM=%1.",
                       "COM%1 を %2 に割り当てました。Setting.INI で COM=%1 と設定すると使用されます。"};
 constexpr Text kIsPlace{
-    "The adapter has no serial number of its own: others of its kind have the same name. So the link names the place "
-    "where it is plugged in; always plug it in there.",
+    "The adapter has no serial number of its own, so others of its kind have the same name. The link names the socket "
+    "instead; always plug the adapter in there.",
     "このアダプターには固有の製造番号がなく、同じ種類のアダプターと名前が重なります。そのため、リンクは接続位置を指しま"
     "す。"
     "必ず同じ USB 端子に接続してください。"};
 constexpr Text kIsRemoved{"COM%1 has no link any more.", "COM%1 のリンクを削除しました。"};
 
-/// @return 0: no number of a COM port
+/// @return 0: not the number of a COM port
 int portNumber(const std::string& text) {
     int number = 0;
     const char* end = text.data() + text.size();

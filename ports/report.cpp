@@ -53,13 +53,13 @@ constexpr Text kLoginAgain{"%1: you are in the group %2, but not yet in this ses
 constexpr Text kDenied{"%1: %2 may not use it; ask whoever runs this computer.",
                        "%1: ユーザー %2 は使用できません。管理者に相談してください。"};
 constexpr Text kModemManager{
-    "ModemManager is running and may send modem commands to %1. Link it as a COM port, then plug it out and in: the "
-    "installed package keeps ModemManager away from linked adapters.",
+    "ModemManager is running and may send modem commands to %1. Link it as a COM port, then unplug it and plug it in "
+    "again: the installed package keeps ModemManager away from linked adapters.",
     "ModemManager が動作しており、%1 にモデムコマンドを送る可能性があります。COM "
     "ポートとしてリンクし、アダプターを抜き差ししてください。インストールされたパッケージが、リンクされたアダプターを "
     "ModemManager から保護します。"};
 constexpr Text kBrltty{
-    "The braille service brltty is running; it takes some adapters for braille displays. If an adapter is "
+    "The braille service brltty is running; it mistakes some adapters for braille displays. If an adapter is "
     "not listed, end it with \"sudo systemctl stop brltty\".",
     "点字サービス brltty が動作しています。一部のアダプターを点字ディスプレイとして占有します。"
     "アダプターが表示されない場合は \"sudo systemctl stop brltty\" で停止してください。"};

@@ -40,7 +40,8 @@ public:
     /// @throws std::invalid_argument  a fault cannot be read
     explicit FaultBook(const std::vector<std::string>& faults);
 
-    /// Counts an occurrence of the place and returns the faults that are due at it.
+    /// Counts an occurrence of the place.
+    /// @return the faults that are due at it
     ActiveFaults occur(const Place& place);
 
     /// The faults that have not happened so far, as they were written.

@@ -25,8 +25,8 @@ std::optional<Operation> parseOperation(std::string_view command);
 /// tried, successful or not.
 class Operations {
 public:
-    /// The client has asked for the operation, whether it is going to be accepted or not. Returns why it is out of
-    /// order, or nothing.
+    /// The client has asked for the operation, whether it is going to be accepted or not.
+    /// @return why it is out of order, or nothing
     std::optional<std::string> request(const Operation& operation);
 
     /// The operation has been accepted.

@@ -36,7 +36,8 @@ public:
     /// What the client has sent, at most `limit` bytes; empty if there is nothing now.
     Bytes read(std::size_t limit) const;
 
-    /// Sends as much as fits now and returns how much that was.
+    /// Sends as much as fits now.
+    /// @return the number of bytes sent
     std::size_t write(std::span<const std::uint8_t> bytes) const;
 
     /// Why the client's terminal settings are not raw, 8N1, without echo, at the speed in bits a second; or nothing.

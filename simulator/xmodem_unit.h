@@ -18,13 +18,15 @@ public:
     std::optional<std::uint8_t> handedBack() const final { return handedBack_; }
 
 protected:
-    /// `name`: "download" or "upload". `unsure`: a fault kept the client from knowing that the transfer has started.
+    /// @param name    "download" or "upload"
+    /// @param unsure  a fault kept the client from knowing that the transfer has started
     XmodemUnit(const char* name, bool unsure, FaultBook& faults, Journal& journal, const Timing& timing)
         : faults_(faults), journal_(journal), timing_(timing), unsure_(unsure), name_(name) {}
 
     /// A CAN came; the second one in a row ends the transfer.
     void takeCancel(Time now);
-    /// The next byte is not a CAN. @return whether a single one came before it, which is a violation
+    /// The next byte is not a CAN.
+    /// @return whether a single one came before it, which is a violation
     bool singleCancel(Time now);
     void forgetCancel() { cancels_ = 0; }
     /// Whether the byte begins a command of a client that does not know of the transfer, which ends then.

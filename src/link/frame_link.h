@@ -23,8 +23,8 @@ extern int gintCommRetry;
 /// @param data     out: the received bytes, whatever the result (451 zero bytes if nothing came)
 /// @param timeout  for the whole exchange, from sending to check byte
 /// @param silent   true: no box for the response code "1234" at the third attempt
-/// @return four hexadecimal digits from the unit, or the link's own codes: "" unusable, "9999" no reply, "90" + end
-/// code
+/// @return four hexadecimal digits from the unit, or the link's own codes: "" unusable, "9999" no reply,
+///         "90" + end code
 /// @throws RuntimeFailure  the port fails or is not open; the reply has no hexadecimal pair where one is due, is too
 ///                         long, or carries no response code; the log cannot be written
 QString fncSendCommand(const QString& command, bool raw, QByteArray& data, std::chrono::milliseconds timeout,
