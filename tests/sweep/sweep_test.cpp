@@ -72,10 +72,11 @@ bool worksAndSaysSo(ProgramSession& session) {
 }
 
 /// Whether it explains a violation that the program cannot know that the unit is still at an answer for which it has
-/// waited long enough: nobody hears what it sends then. At the start of a download, it sends packets to the commands.
+/// waited long enough: nobody hears what it sends then. At the start of a download, it takes a late answer for another
+/// one, and sends packets to the commands when a start character comes just then.
 bool explains(const Fault& fault, const std::string& violation) {
-    return fault.isLate() &&
-           (fault.place == "300551010C00" || violation.find("before the answer") != std::string::npos);
+    const bool starts = fault.place == "300550010000" || fault.place == "300551010C00";
+    return fault.isLate() && (starts || violation.find("before the answer") != std::string::npos);
 }
 
 /// What does not work the first time works as soon as the fault is over.
@@ -100,7 +101,7 @@ void sweep(const Fault& fault) {
     const bool entered = session.enter();
     const bool succeeded = entered && worksAndSaysSo(session);
     EXPECT_TRUE(entered || session.hasEnded || session.offersPorts());
-    EXPECT_LT(clock.elapsed(), 120'000);
+    EXPECT_LT(clock.elapsed(), 130'000);
     if (fault.work == "Save") {
         // A read looks at no check byte and no block number.
         const bool escapes = fault.place.starts_with("block") && (fault.kind == "garble" || fault.kind == "repeat");
