@@ -1,11 +1,10 @@
-/// Where everything is looked for.
+/// The computer whose ports are shown. Tests make one of their own.
 #pragma once
 
 #include <filesystem>
 
 namespace ports {
 
-/// The computer whose ports are shown. Tests make one of their own.
 struct Computer {
     std::filesystem::path root = "/";  ///< what lies in sys, dev, proc and run below it is looked at
     std::filesystem::path folder;      ///< folder of the programs

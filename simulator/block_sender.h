@@ -1,4 +1,5 @@
-/// An upload: the unit sends its firmware.
+/// Sends a firmware image by XMODEM with one-byte sums. The client starts it with a NAK, acknowledges every block,
+/// answers the first EOT with NAK and the second with ACK.
 #pragma once
 
 #include "simulator/bytes.h"
@@ -12,8 +13,6 @@
 
 namespace units {
 
-/// Sends a firmware image by XMODEM with one-byte sums. The client starts it with a NAK, acknowledges every block,
-/// answers the first EOT with NAK and the second with ACK.
 class BlockSender final : public XmodemUnit {
 public:
     /// Sends the first `blocks` blocks of the image, 1..1920. `unsure`: a fault kept the client from knowing that the

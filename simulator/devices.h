@@ -1,4 +1,4 @@
-/// What the units are, apart from how they talk.
+/// What the two units are and which firmware they run. Safe to use from several threads.
 #pragma once
 
 #include "simulator/bytes.h"
@@ -11,7 +11,6 @@
 
 namespace units {
 
-/// What the two units are and which firmware they run. Safe to use from several threads.
 class Devices {
 public:
     /// @throws std::invalid_argument  an option is out of range

@@ -1,4 +1,5 @@
-/// The loop that runs the units.
+/// Connects the machines with the port and the clock. run() belongs to one thread; everything else may be called from
+/// any.
 #pragma once
 
 #include "simulator/command_machine.h"
@@ -20,8 +21,6 @@
 
 namespace units {
 
-/// Connects the machines with the port and the clock. run() belongs to one thread; everything else may be called from
-/// any.
 class Engine {
 public:
     /// Opens the port.

@@ -1,4 +1,5 @@
-/// What happened, for people and tests to read.
+/// What happened, one line an event: milliseconds since the start, direction, meaning. Safe to use from several
+/// threads.
 #pragma once
 
 #include "simulator/options.h"
@@ -12,8 +13,6 @@
 
 namespace units {
 
-/// What happened, one line an event: milliseconds since the start, direction, meaning. Safe to use from several
-/// threads.
 class Journal {
 public:
     /// Writes to the file as well unless the path is empty.

@@ -1,4 +1,6 @@
-/// What all ways to behave on the line have in common.
+/// One way the units behave on the line: answering commands, taking a download, sending an upload. A machine does no
+/// input or output and has no clock of its own: it is told what came and when, and returns what to send. While a script
+/// is being sent it is told nothing.
 #pragma once
 
 #include "simulator/options.h"
@@ -9,9 +11,6 @@
 
 namespace units {
 
-/// One way the units behave on the line: answering commands, taking a download, sending an upload. A machine does no
-/// input or output and has no clock of its own: it is told what came and when, and returns what to send. While a script
-/// is being sent it is told nothing.
 class Machine {
 public:
     virtual ~Machine() = default;

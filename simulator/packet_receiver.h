@@ -1,4 +1,5 @@
-/// A download: the unit takes an image.
+/// Takes a firmware image by XMODEM: asks for it with the start character, checks every packet to the letter, and hands
+/// the image over when the end of exactly 1920 blocks is acknowledged.
 #pragma once
 
 #include "simulator/bytes.h"
@@ -13,8 +14,6 @@
 
 namespace units {
 
-/// Takes a firmware image by XMODEM: asks for it with the start character, checks every packet to the letter, and hands
-/// the image over when the end of exactly 1920 blocks is acknowledged.
 class PacketReceiver final : public XmodemUnit {
 public:
     /// Called with the complete image right before the acknowledgement of its end is sent, and with the time since the

@@ -1,4 +1,5 @@
-/// Another program in the place of a unit.
+/// A program that takes the place of a unit for one transfer: what the client sends is its standard input, its standard
+/// output goes to the client. It is killed if it still runs at the end.
 #pragma once
 
 #include "simulator/journal.h"
@@ -11,8 +12,6 @@
 
 namespace units {
 
-/// A program that takes the place of a unit for one transfer: what the client sends is its standard input, its standard
-/// output goes to the client. It is killed if it still runs at the end.
 class Peer final : public Machine {
 public:
     Peer(std::string command, Journal& journal) : command_(std::move(command)), journal_(journal) {}

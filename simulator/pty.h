@@ -1,4 +1,5 @@
-/// The port.
+/// The far end of a pseudo-terminal whose near end is the client's serial port. It holds the near end open as well, so
+/// that the client may close and open it again.
 #pragma once
 
 #include "simulator/bytes.h"
@@ -11,8 +12,6 @@
 
 namespace units {
 
-/// The far end of a pseudo-terminal whose near end is the client's serial port. It holds the near end open as well, so
-/// that the client may close and open it again.
 class Pty {
 public:
     /// A link replaces only another link.

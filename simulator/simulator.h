@@ -1,4 +1,5 @@
-/// The face of the simulated units.
+/// A sensor amplifier behind an interface unit behind a serial port, served by a thread of its own from construction
+/// to stop() or destruction. All functions may be called from any thread.
 #pragma once
 
 #include "simulator/bytes.h"
@@ -16,8 +17,6 @@
 
 namespace units {
 
-/// A sensor amplifier behind an interface unit behind a serial port, served by a thread of its own from construction
-/// to stop() or destruction. All functions may be called from any thread.
 class Simulator {
 public:
     /// @throws std::invalid_argument  an option or a fault is wrong

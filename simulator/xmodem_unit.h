@@ -1,4 +1,4 @@
-/// What uploads and downloads have in common.
+/// What both directions of a transfer by XMODEM have in common: the end, the client's CANs, and what faults excuse.
 #pragma once
 
 #include "simulator/fault_book.h"
@@ -10,7 +10,6 @@
 
 namespace units {
 
-/// What both directions of a transfer by XMODEM have in common: the end, the client's CANs, and what faults excuse.
 class XmodemUnit : public Machine {
 public:
     std::optional<Time> deadline() const final { return deadline_; }

@@ -1,4 +1,6 @@
-/// The language dialog.
+/// Lets the operator choose the language for the rest of the run; shown modally by the settings reader only.
+///
+/// It speaks the language that gLanguage holds when it is made. Only "OK" changes gLanguage.
 #pragma once
 
 #include <QDialog>
@@ -7,9 +9,6 @@
 
 class QRadioButton;
 
-/// Lets the operator choose the language for the rest of the run; shown modally by the settings reader only.
-///
-/// It speaks the language that gLanguage holds when it is made. Only "OK" changes gLanguage.
 class frmLanguage : public QDialog {
 public:
     frmLanguage();

@@ -1,10 +1,9 @@
-/// A file that must be a regular one.
+/// A QFile that opens nothing but a regular file or a link to one. A pipe, which QFile would wait for, or a device is a
+/// failure at once.
 #pragma once
 
 #include <QFile>
 
-/// A QFile that opens nothing but a regular file or a link to one. A pipe, which QFile would wait for, or a device is a
-/// failure at once.
 class RegularFile : public QFile {
 public:
     using QFile::QFile;

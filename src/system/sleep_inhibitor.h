@@ -1,12 +1,11 @@
-/// Keeps the machine awake while a transfer runs.
-#pragma once
-
-#include <memory>
-
 /// Holds logind inhibitors against shutdown, sleep, idle and the lid switch from its construction to its destruction.
 ///
 /// Waits for nothing: a thread of its own asks, as a bus may not answer. Where there is no logind, or where it refuses,
 /// it does without and shows nothing.
+#pragma once
+
+#include <memory>
+
 class SleepInhibitor {
 public:
     SleepInhibitor();

@@ -1,11 +1,10 @@
-/// A label whose text always fits its place.
+/// Shows one line of plain text in the largest font, up to its own, in which the text fits the label's width.
+///
+/// Where even the smallest readable font is too wide, the text ends in "…" and is whole in the tool tip.
 #pragma once
 
 #include <QLabel>
 
-/// Shows one line of plain text in the largest font, up to its own, in which the text fits the label's width.
-///
-/// Where even the smallest readable font is too wide, the text ends in "…" and is whole in the tool tip.
 class FittedLabel : public QLabel {
 public:
     explicit FittedLabel(QWidget* parent);

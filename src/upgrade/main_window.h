@@ -1,4 +1,9 @@
-/// The main window.
+/// The operator's working screen: what the units hold, the loaded image, the target, and the buttons.
+///
+/// Row 0 is the sensor amplifier, row 1 the interface unit, row 2 the loaded image. Closing the window in any way ends
+/// the program at once.
+///
+/// Verification and save are there, but their controls are hidden unless showServiceControls() is called.
 #pragma once
 
 #include "app/startup_form.h"
@@ -20,12 +25,6 @@ class QLabel;
 class QPushButton;
 class QRadioButton;
 
-/// The operator's working screen: what the units hold, the loaded image, the target, and the buttons.
-///
-/// Row 0 is the sensor amplifier, row 1 the interface unit, row 2 the loaded image. Closing the window in any way ends
-/// the program at once.
-///
-/// Verification and save are there, but their controls are hidden unless showServiceControls() is called.
 class frmMain : public QWidget, public MainWindowAtStart, public TransferScreen {
 public:
     frmMain();
