@@ -37,5 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     }
     require(version.match(gFileVersion).hasMatch(), "the version is written as 0.000");
     require(gFileTypeName.size() <= 126, "the name is a value of the file");
+    for (const char c : {'\'', '\t', '\n', '\r'})
+        require(!gFileTypeName.contains(QLatin1Char(c)), "a value holds no remark, tab or line break");
     return 0;
 }

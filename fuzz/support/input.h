@@ -1,7 +1,6 @@
 /// What a fuzz target is made with.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -31,13 +30,6 @@ public:
     }
 
     std::uint8_t byte() { return static_cast<std::uint8_t>(bytes(1)[0]); }
-
-    /// The text up to the next `end`, which is dropped.
-    std::string upTo(char end) {
-        const std::string taken = bytes(std::min(left_.find(end), left_.size()));
-        bytes(1);
-        return taken;
-    }
 
     std::string rest() { return bytes(left_.size()); }
 

@@ -6,13 +6,6 @@ protected:
     QByteArray data;
 };
 
-TEST_F(DeviceCommands, NumbersGoOutInUpperCaseHexadecimalDigitsOfFixedLength) {
-    unitsWith({});
-    fncReadVariable("D4", 0x1ABCD, 0x12345, data, 2s, false);
-    fncOperationCommand(kStartUpload, 0x1AB);
-    EXPECT_EQ(requests(), (std::vector<std::string>{"0101D4ABCD002345", "300552AB0C00"}));
-}
-
 TEST_F(DeviceCommands, TheSensorCheckGivesTheResponseCodeOrEight) {
     for (const auto& [fault, number] : {std::pair{"", 0}, {"response:2204@0101D4", 2204}, {"bcc@0101D4", 8}}) {
         unitsWith({fault});

@@ -1,7 +1,6 @@
 #include "link/com_port.h"
 #include "link/waits.h"
 #include "support/program.h"
-#include "support/pty.h"
 #include "support/user.h"
 #include "system/runtime_failure.h"
 #include "text/error_report.h"
@@ -9,59 +8,42 @@
 #include <QDir>
 
 #include <fcntl.h>
-#include <linux/serial.h>
+#include <poll.h>
+#include <pty.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <termios.h>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 
 using namespace std::chrono_literals;
 
-/// A serial driver laid over the pseudo-terminal, as there is no serial hardware here.
-struct Driver {
-    const char* name;
-    bool fits;                                  ///< can be used
-    unsigned flags = 0;                         ///< of the port
-    unsigned keeps = 0;                         ///< flags that the program cannot change
-    void (*spoil)(termios&) = [](termios&) {};  ///< changes what the program sets
-};
+/// What a serial driver makes of the line that the program sets, as there is no serial hardware here.
+static void (*gDriver)(termios&) = nullptr;
 
-static Driver* gDriver = nullptr;
-
-extern "C" {
-
-int __real_fstat(int port, struct stat* status);
-int __wrap_fstat(int port, struct stat* status) { return gDriver != nullptr ? -1 : __real_fstat(port, status); }
-
-int __real_ioctl(int port, unsigned long request, void* argument);
-int __wrap_ioctl(int port, unsigned long request, void* argument) {
-    if (gDriver == nullptr || (request != TIOCGSERIAL && request != TIOCSSERIAL))
-        return __real_ioctl(port, request, argument);
-    auto* serial = static_cast<serial_struct*>(argument);
-    if (request == TIOCSSERIAL)
-        gDriver->flags = (gDriver->flags & gDriver->keeps) | (unsigned(serial->flags) & ~gDriver->keeps);
-    serial->flags = int(gDriver->flags);
-    return 0;
-}
-
-int __real_tcsetattr(int port, int when, const termios* line);
-int __wrap_tcsetattr(int port, int when, const termios* line) {
+extern "C" int __real_tcsetattr(int port, int when, const termios* line);
+extern "C" int __wrap_tcsetattr(int port, int when, const termios* line) {
     termios taken = *line;
     if (gDriver != nullptr)
-        gDriver->spoil(taken);
+        gDriver(taken);
     return __real_tcsetattr(port, when, &taken);
 }
 
-}  // extern "C"
-
 class Port : public ProgramTest {
 protected:
-    Port() { linkPort(1, pty.device()); }
+    Port() {
+        char name[64];
+        EXPECT_EQ(::openpty(&unit, &other, name, nullptr, nullptr), 0);
+        linkPort(1, device = name);
+        for (const int end : {unit, other})
+            ::fcntl(end, F_SETFL, O_NONBLOCK);
+    }
     ~Port() override {
         subPortClose();
         gWaits = {};
+        ::close(unit);
         ::close(other);
     }
 
@@ -74,17 +56,20 @@ protected:
         return QString::fromStdString(testing::internal::GetCapturedStderr()).section("dravolt: ", 1).trimmed();
     }
 
-    /// Whether the port is marked as one that no other program may open.
-    bool isMarked() const {
-        int mark = 0;
-        ::ioctl(other, TIOCGEXCL, &mark);
-        return mark != 0;
+    /// What comes to the unit, up to `most` bytes, until the line is silent for a while.
+    QByteArray received(qsizetype most = 1'000'000, int silenceMs = 50) const {
+        QByteArray all;
+        char byte = 0;
+        pollfd state{unit, POLLIN, 0};
+        while (all.size() < most && ::poll(&state, 1, silenceMs) > 0 && ::read(unit, &byte, 1) == 1)
+            all += byte;
+        return all;
     }
 
-    Pty pty;
     User user;
-    const int other =
-        ::open(qPrintable(pty.device()), O_RDWR | O_NOCTTY | O_NONBLOCK);  ///< another program has it open
+    QString device;
+    int unit = -1;   ///< the far side of a pseudo-terminal
+    int other = -1;  ///< another program has the port open
 };
 
 TEST_F(Port, SetsTheLineWhateverItWas) {
@@ -93,7 +78,7 @@ TEST_F(Port, SetsTheLineWhateverItWas) {
     line.c_cflag |= CSTOPB | CRTSCTS;
     ::cfsetspeed(&line, B9600);
     ::tcsetattr(other, TCSANOW, &line);
-    pty.send("old bytes\n");
+    std::ignore = ::write(unit, "old bytes\n", 10);
 
     ASSERT_TRUE(opens());
     EXPECT_EQ(gobjComm->input(1000), "");
@@ -134,7 +119,7 @@ TEST_F(Port, IsTheLinkInTheFolderOfPortsBeforeTheOneBesideTheProgram) {
     ASSERT_TRUE(QFile::link("/nowhere", link));
     EXPECT_FALSE(opens()) << "a link that leads nowhere does not make another device the port";
     QFile::remove(link);
-    ASSERT_TRUE(QFile::link(pty.device(), link));
+    ASSERT_TRUE(QFile::link(device, link));
     linkPort(1, "/nowhere");
     EXPECT_TRUE(opens());
 }
@@ -143,7 +128,7 @@ TEST_F(Port, WithoutRightsIsAFailureThatSaysWhatHelps) {
     constexpr uid_t kNobody = 65534;
     const uid_t own = ::geteuid();
     ASSERT_EQ(::chmod(qPrintable(file({})), 0755), 0);
-    ASSERT_EQ(::chmod(qPrintable(pty.device()), 0), 0);
+    ASSERT_EQ(::chmod(qPrintable(device), 0), 0);
     ASSERT_EQ(::seteuid(own == 0 ? kNobody : own), 0);
     const QString cause = failureToOpen();
     ASSERT_EQ(::seteuid(own), 0);
@@ -155,11 +140,13 @@ TEST_F(Port, StaysAwayFromAPortThatAnotherProgramHolds) {
     const ssize_t written = ::write(other, std::string(1'000'000, 'x').data(), 1'000'000);
     ::flock(other, LOCK_SH);
     EXPECT_EQ(failureToOpen().section("。", 1), inUse);
-    EXPECT_EQ(pty.received().size(), written) << "what the other program sends is not dropped";
+    EXPECT_EQ(received().size(), written) << "what the other program sends is not dropped";
     ::flock(other, LOCK_UN);
     ::ioctl(other, TIOCEXCL);
     EXPECT_EQ(failureToOpen().section("。", 1), inUse);
-    EXPECT_TRUE(isMarked()) << "the mark of the other program is not taken away";
+    int mark = 0;
+    ::ioctl(other, TIOCGEXCL, &mark);
+    EXPECT_NE(mark, 0) << "the mark of the other program is not taken away";
     ::ioctl(other, TIOCNXCL);
     ASSERT_TRUE(opens());
     EXPECT_NE(::flock(other, LOCK_EX | LOCK_NB), 0) << "and keeps the other program away in its turn";
@@ -167,55 +154,38 @@ TEST_F(Port, StaysAwayFromAPortThatAnotherProgramHolds) {
     EXPECT_EQ(::flock(other, LOCK_EX | LOCK_NB), 0) << "closing gives up every claim";
 }
 
-TEST_F(Port, OpensAgainAfterTheProgramWasKilled) {
-    const auto openAndDie = [] {
-        ::setsid();
-        const bool isFine = opens() && ::open("/dev/tty", O_RDONLY) < 0;  // the port does not control the program
-        std::_Exit(isFine ? ::raise(SIGKILL) : 1);
+TEST_F(Port, IsRefusedIfItsDriverKeepsAnotherLine) {
+    const std::pair<const char*, void (*)(termios&)> drivers[] = {
+        {"another speed", [](termios& line) { ::cfsetspeed(&line, B19200); }},
+        {"waits for a carrier", [](termios& line) { line.c_cflag &= ~tcflag_t{CLOCAL}; }},
+        {"XON/XOFF", [](termios& line) { line.c_iflag |= IXON; }},
+        {"echoes", [](termios& line) { line.c_lflag |= ECHO; }},
+        {"reads nothing as a hang-up", [](termios& line) { line.c_cc[VMIN] = 0; }},
+        {"holds bytes back", [](termios& line) { line.c_cc[VTIME] = 1; }},
     };
-    EXPECT_EXIT(openAndDie(), testing::KilledBySignal(SIGKILL), "");
-    EXPECT_TRUE(opens());
-}
-
-TEST_F(Port, IsSetAsFarAsItsDriverAllows) {
-    Driver drivers[] = {
-        {"takes everything", true, ASYNC_SPD_VHI, 0},
-        {"refuses low latency", true, 0, ~0U},
-        {"keeps another speed for 38400", false, ASYNC_SPD_VHI, ASYNC_SPD_MASK},
-        {"sets another speed", false, 0, 0, [](termios& line) { ::cfsetspeed(&line, B19200); }},
-        {"waits for a carrier", false, 0, 0, [](termios& line) { line.c_cflag &= ~tcflag_t{CLOCAL}; }},
-        {"keeps XON/XOFF", false, 0, 0, [](termios& line) { line.c_iflag |= IXON; }},
-        {"echoes", false, 0, 0, [](termios& line) { line.c_lflag |= ECHO; }},
-        {"reads nothing as a hang-up", false, 0, 0, [](termios& line) { line.c_cc[VMIN] = 0; }},
-        {"holds bytes back", false, 0, 0, [](termios& line) { line.c_cc[VTIME] = 1; }},
-    };
-    const QString unfit =
-        "ポートを 38400 bps、8N1 に設定できません。アダプターを差し直すか、別のアダプターを使用してください";
-    for (Driver& driver : drivers) {
-        gDriver = &driver;
-        EXPECT_EQ(failureToOpen().section("。", 1), driver.fits ? "" : unfit) << driver.name;
-        EXPECT_EQ(isMarked(), driver.fits) << driver.name;
-        subPortClose();
-        EXPECT_FALSE(isMarked()) << driver.name;
+    for (const auto& [name, driver] : drivers) {
+        gDriver = driver;
+        EXPECT_EQ(failureToOpen().section("。", 1), "ポートを 38400 bps、8N1 に設定できません。アダプターを差し直すか、"
+                                                    "別のアダプターを使用してください")
+            << name;
     }
     gDriver = nullptr;
-    EXPECT_EQ(drivers[0].flags, ASYNC_LOW_LATENCY);
 }
 
 TEST_F(Port, SendsAllBytesInOrderOnASlowLine) {
     ASSERT_TRUE(opens());
     gWaits.portWrite = 1s;
     const QByteArray bytes = QByteArray("0123456789abc").repeated(30'000);
-    QByteArray received;
-    std::jthread unit([&] {
-        while (received.size() < bytes.size()) {
+    QByteArray all;
+    std::jthread reader([&] {
+        while (all.size() < bytes.size()) {
             std::this_thread::sleep_for(250ms);
-            received += pty.received(50'000, 5'000);
+            all += received(50'000, 5'000);
         }
     });
     EXPECT_NO_THROW(gobjComm->output(bytes));
-    unit.join();
-    EXPECT_EQ(received, bytes);
+    reader.join();
+    EXPECT_EQ(all, bytes);
 }
 
 TEST_F(Port, ThatTakesNoBytesIsAFailureThatSaysWhatHelps) {
@@ -230,7 +200,7 @@ TEST_F(Port, ThatTakesNoBytesIsAFailureThatSaysWhatHelps) {
 TEST_F(Port, ThatIsUnpluggedIsAFailureAtTheNextReadOrWriteNotATimeOut) {
     ASSERT_TRUE(opens());
     EXPECT_EQ(gobjComm->input(1), "") << "an idle port is no failure";
-    pty.unplug();
+    ::close(std::exchange(unit, -1));
     const auto before = std::chrono::steady_clock::now();
     gobjComm->waitForInput(10s);
     EXPECT_THROW(gobjComm->input(1), RuntimeFailure);

@@ -147,18 +147,6 @@ TEST_F(Ports, AreLinkedByTheirStableNames) {
     EXPECT_EQ(run({"remove", "3"}), "COM3 has no link any more. | 0 | ");
 }
 
-TEST_F(Ports, AreLinkedInAFolderOfTheirOwn) {
-    shell("mkdir programs/ports; ln -s $PWD/dev/ttyUSB9 programs/com3");
-    const std::string links = "COM links in /programs/ports:\n    COM3 -> ";
-    run({});
-    EXPECT_TRUE(says(links + "/dev/ttyUSB9\n        link: /programs/com3\n")) << output;
-    EXPECT_EQ(run({"set", "3", "ttyUSB10"}), "COM3 is now " + stable + " | 0 | " + stable);
-    run({});
-    EXPECT_TRUE(says(links + stable + "\n        /programs/com3 is not used\n")) << output;
-    EXPECT_TRUE(says("/dev/ttyUSB10  COM3\n")) << output;
-    EXPECT_EQ(run({"remove", "3"}), "COM3 has no link any more. | 0 | ") << "a removed port has no other link";
-}
-
 TEST_F(Ports, AreLinkedByTheirPlaceWhereAnotherAdapterCanHaveTheName) {
     shell(R"(
         for n in 1 2; do

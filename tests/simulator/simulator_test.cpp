@@ -76,14 +76,6 @@ TEST(Units, RefuseUnknownCommands) {
     }
 }
 
-TEST(Units, HearNoMalformedRequest) {
-    for (const std::string& text : {std::string("000010501"), std::string("0000005a1"), std::string(38, '0')}) {
-        Units units;
-        EXPECT_EQ(feed(units.commands, framed(text)), "");
-        EXPECT_EQ(units.journal.violations().size(), 1U) << text;
-    }
-}
-
 TEST(Units, KeepTheOrderOfOperations) {
     const std::pair<const char*, Texts> cases[] = {
         // fault; open 0, download 1, upload 2, finish 3, end of transfer 4, and "!" after a refused one

@@ -140,23 +140,4 @@ INSTANTIATE_TEST_SUITE_P(FaultsAt, Sweep, testing::ValuesIn(allPlaces()), [](con
     return name.toStdString() + '_' + std::to_string(faultsAt(test.param).size()) + "_runs";
 });
 
-TEST(SweepPlaces, AreAllThatAGoodSessionHas) {
-    for (const auto& [work, places] : kPlaces) {
-        ProgramSession session(work, "");
-        EXPECT_TRUE(session.enter());
-        EXPECT_TRUE(worksAndSaysSo(session));
-        EXPECT_TRUE(session.isDone());
-        std::map<std::string, int> seen;
-        for (std::string place : session.requests()) {
-            if (const int times = ++seen[place]; times > 1)
-                place += '#' + std::to_string(times);
-            const bool isSwept = std::any_of(kPlaces.begin(), kPlaces.end(), [&](const auto& other) {
-                const bool counts = other.first == work || !place.starts_with("3005");
-                return counts && std::count(other.second.begin(), other.second.end(), place) > 0;
-            });
-            EXPECT_TRUE(isSwept) << place;
-        }
-    }
-}
-
 }  // namespace

@@ -9,7 +9,6 @@
 #include <QDBusServer>
 #include <QDBusUnixFileDescriptor>
 #include <QDBusVirtualObject>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QStandardPaths>
@@ -24,17 +23,6 @@
 #include <unistd.h>
 
 using namespace std::chrono_literals;
-
-TEST(EventWait, EndsWithTheConditionOrTheLimit) {
-    QElapsedTimer clock;
-    clock.start();
-    bool done = false;
-    QTimer::singleShot(20, [&done] { done = true; });
-    EXPECT_TRUE(waitServingEvents(10s, [&done] { return done; }));
-    EXPECT_LT(clock.restart(), 5'000);
-    EXPECT_FALSE(waitServingEvents(300ms, [] { return false; }));
-    EXPECT_GE(clock.elapsed(), 300);
-}
 
 TEST(ProgramEndDeathTest, EndsFromInsideANestedEventLoopWithStatusZero) {
     const auto endWithin = [] {
@@ -57,20 +45,17 @@ TEST(SingleInstance, IsTheOneThatHoldsTheLock) {
 
 TEST(SingleInstanceDeathTest, WithoutALockOfItsOwnCountsAsTheOnlyCopy) {
     const QTemporaryDir here;
-    ASSERT_EQ(std::system(qPrintable("cd " + here.path() + "; mkdir -m 700 linked; ln -s target linked/dravolt.lock")),
-              0);
-    const auto ask = [&here](const QString& runtimeFolder) {
+    ASSERT_TRUE(QFile::link("target", here.filePath("dravolt.lock")));
+    const auto ask = [](const QString& runtimeFolder) {
         qputenv("XDG_RUNTIME_DIR", runtimeFolder.toLocal8Bit());
         // Qt makes one among the temporary files, where it can.
         qputenv("TMPDIR", "/dev/null");
-        QDir::setCurrent(here.path());
-        const bool onlyOne = isOnlyInstance();
-        std::_Exit(onlyOne && !QFile::exists("dravolt.lock") && !QFile::exists("linked/target") ? 0 : 1);
+        std::_Exit(isOnlyInstance() ? 0 : 1);
     };
     const auto ended = testing::ExitedWithCode(0);
     EXPECT_EXIT(ask("/dev/null"), ended, "there is no runtime folder; a second copy cannot be noticed");
-    EXPECT_EXIT(ask("linked"), ended, "there is no runtime folder; a second copy cannot be noticed");
-    EXPECT_EXIT(ask(here.filePath("linked")), ended, "dravolt.lock: .*; a second copy cannot be noticed");
+    EXPECT_EXIT(ask(here.path()), ended, "dravolt.lock: .*; a second copy cannot be noticed");
+    EXPECT_FALSE(QFile::exists(here.filePath("target")));
 }
 
 /// What is behind standard error.

@@ -68,13 +68,6 @@ TEST_F(Run, AWriteSaysHowItWentAfterItHasBeenClosed) {
     }
 }
 
-TEST_F(Run, AWriteAfterAPortErrorSaysWhere) {
-    line.failsAtSend = 3;
-    run.write({.unit = kInterfaceUnit});
-    EXPECT_EQ(story(), "50@0, 51@0, progress, " + error +
-                           "Block 3 of 1920: the port failed, 54@0, 53@0, release, Failed, cursor");
-}
-
 TEST_F(Run, AVerificationSucceedsOnlyOverWhatItHasReadItself) {
     QByteArray lastByteDiffers = image;
     lastByteDiffers.back() ^= 1;
@@ -141,12 +134,6 @@ TEST_F(Run, ASaveThatDoesNotFitOnTheDiskLeavesTheOldFile) {
     EXPECT_EQ(QDir(file({})).entryList(QDir::Files), QStringList("saved.bin")) << "nothing is left behind";
 }
 
-TEST_F(Run, AnImageFileThatEndsEarlyIsReported) {
-    writeFile("short.bin", "old");
-    EXPECT_EQ(fncBinaryFile(file("short.bin"), gImageBuf, kReadFile), 0);
-    EXPECT_EQ(story(), error + file("short.bin") + ": the file ends after 3 of 245760 bytes");
-}
-
 TEST_F(Run, OnlyAReadThatReceivesIsCancelled) {
     run.cancel();
     line.whileServing = [this] {
@@ -162,17 +149,6 @@ TEST_F(Run, OnlyAReadThatReceivesIsCancelled) {
     EXPECT_EQ(line.sent, QByteArrayList(10, QByteArray(1, kCan)));
     EXPECT_EQ(story(), "52, progress, 54, 53, release, Succeed, cursor") << "nothing enters a run or closes it twice";
     EXPECT_FALSE(QFile::exists(file("saved.bin")));
-}
-
-TEST_F(Run, TheCommandsAfterACancelWaitForTheRestOfABlock) {
-    run.read({.file = file("saved.bin")});
-    line.time += 99ms;
-    const TransferLine::Time cancelled = line.time;
-    run.cancel();
-    line.tick();
-    EXPECT_EQ(line.time - cancelled, 100ms);
-    EXPECT_FALSE(TransferRun::isRunning());
-    EXPECT_EQ(story(), "52, progress, 54, 53, release, Succeed, cursor");
 }
 
 TEST_F(Run, ItsResultsAreInJapaneseToo) {

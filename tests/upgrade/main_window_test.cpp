@@ -3,10 +3,8 @@
 
 #include <QAccessible>
 #include <QDir>
-#include <QHelpEvent>
 #include <QProgressBar>
 #include <QScreen>
-#include <QToolTip>
 
 #include <sys/stat.h>
 
@@ -92,19 +90,6 @@ TEST_F(MainWindowTest, WithoutTypeTablesTheProgramEnds) {
     EXPECT_EQ(user.said(), QStringList("INI file does not exist."));
 }
 
-TEST_F(MainWindowTest, ALongNameIsMadeSmallerOrMarkedAndToldInATip) {
-    QLabel& name = label("lblTitle(%1)", 2);
-    const auto tip = [&name](const QString& text) {
-        name.setText(text);
-        QHelpEvent pointing(QEvent::ToolTip, {}, name.mapToGlobal(QPoint()));
-        QApplication::sendEvent(&name, &pointing);
-        return QToolTip::text();
-    };
-    EXPECT_EQ(tip("A name of 20 letters"), "");
-    const QString tooLong = QString("<b>").repeated(40);
-    EXPECT_EQ(tip(tooLong), Qt::convertFromPlainText(tooLong));
-}
-
 TEST_F(MainWindowTest, AnImageIsNamedByTheTypeTables) {
     const std::tuple<const char*, std::uint16_t, const char*> cases[] = {
         {"AMPKEY", 13500, "AMP-A 1.500"},
@@ -175,8 +160,6 @@ TEST_F(MainWindowTest, AFileThatDoesNotExistIsReported) {
     inDialog([&preset](const QFileDialog& dialog) { preset = dialog.selectedFiles(); });
     button("cmdLoading").click();
     EXPECT_EQ(preset, QStringList(file("missing.bin"))) << "the name is kept for the next dialog";
-    EXPECT_FALSE(QFile::exists(qEnvironmentVariable("XDG_CONFIG_HOME") + "/QtProject.conf"))
-        << "a dialog leaves nothing behind";
 }
 
 TEST_F(MainWindowTest, UpgradesEitherUnit) {

@@ -21,6 +21,7 @@ TEST_F(ServiceTest, AVerifiedRunKeepsItsUnitToItsLastCommand) {
     load("amp.bin");
     tickVerification();
     QString seen;
+    meanwhile("packet 1", [&] { EXPECT_TRUE(!offersCancel() || simulator->hasNoted("300552010C00")); });
     meanwhile("300552010C00", [&] {
         choose(1);
         seen =
@@ -37,14 +38,8 @@ TEST_F(ServiceTest, AVerifiedRunKeepsItsUnitToItsLastCommand) {
     EXPECT_EQ(gobjComm, nullptr) << "a verification closes the port";
 }
 
-TEST_F(ServiceTest, ASaveCanBeCancelledUnlikeAWrite) {
-    unitsWith({"delay:300@packet900"});
-    load("amp.bin");
-    int looks = 0;
-    meanwhile("packet 1", [&] { looks += offersCancel() ? 1'000 : 1; });
-    upgrade();
-    EXPECT_GT(looks, 0);
-    EXPECT_LT(looks, 1'000);
+TEST_F(ServiceTest, ASaveCanBeCancelled) {
+    unitsWith({});
     chooseInDialog("none.bin");
     button("cmdPresent").click();
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
@@ -60,25 +55,6 @@ TEST_F(ServiceTest, ASaveCanBeCancelledUnlikeAWrite) {
     EXPECT_EQ(state(), kReady);
 }
 
-TEST_F(ServiceTest, TheHourglassGoesAfterEverySave) {
-    unitsWith({});
-    save("saved.bin");
-    EXPECT_TRUE(isSaved("saved.bin", units::Unit::amplifier));
-    EXPECT_EQ(user.said(), QStringList("Succeed"));
-    tickVerification();
-    save("none.bin");
-    EXPECT_EQ(state(), kReady) << "with Verification ticked";
-    EXPECT_EQ(user.said(), QStringList());
-    EXPECT_EQ(readFile("none.bin"), "");
-    subPortClose();
-    QStringList preset;
-    inDialog([&preset](const QFileDialog& dialog) { preset = dialog.selectedFiles(); });
-    button("cmdPresent").click();
-    EXPECT_EQ(preset, QStringList(file("none.bin")));
-    save("none.bin");
-    EXPECT_EQ(state(), kReady) << "on the port that a verification has closed";
-}
-
 TEST_F(ServiceTest, TheFileDialogsAreForImages) {
     QStringList offered;
     for (const char* name : {"cmdLoading", "cmdPresent"}) {
@@ -92,23 +68,6 @@ TEST_F(ServiceTest, TheFileDialogsAreForImages) {
     }
     EXPECT_EQ(offered, QStringList({"Bin File (*.bin) . opens, asks", "Bin File (*.bin) .bin saves, asks"}));
     EXPECT_TRUE(user.boxes().empty()) << "a cancelled dialog does nothing";
-}
-
-TEST_F(ServiceTest, NothingClosesASaveBelowTheBoxOfItsCancel) {
-    unitsWith({});
-    gWaits.exchangeMark = 10ms;
-    user.readingTime = 500ms;
-    chooseInDialog("none.bin");
-    button("cmdPresent").click();
-    simulator.reset();
-    const QPointer<QWidget> dialog = progressDialog();
-    ASSERT_NE(dialog, nullptr);
-    QTimer::singleShot(0, &window, [this] { user.readingTime = 0ms; });
-    QTimer::singleShot(400ms, &window, [dialog] { EXPECT_NE(dialog, nullptr) << "it stands behind its box"; });
-    dialog->findChild<QPushButton*>("cmdCancel")->click();
-    EXPECT_EQ(user.boxes().front().title, "エラー");
-    waitServingEvents(5s, [] { return !TransferRun::isRunning(); });
-    EXPECT_EQ(state(), kReady);
 }
 
 TEST_F(ServiceTest, TheKeyboardVisitsEachControl) {

@@ -1,6 +1,5 @@
 #include "support/boxes.h"
 #include "support/program.h"
-#include "widgets/colours.h"
 #include "widgets/form_texts.h"
 
 class BoxWindow : public ProgramTest {
@@ -60,10 +59,3 @@ TEST_F(BoxWindow, QtsOwnTextsSpeakTheLanguageOfTheForms) {
     }
 }
 
-TEST(Colours, OnADarkDesktopTheOutlinesOfOptionButtonsAreLightToo) {
-    for (const QColor ground : {Qt::white, Qt::black}) {
-        QApplication::setPalette(QPalette(Qt::gray, ground));
-        repairDarkPalette();
-        EXPECT_GT(QApplication::palette("QRadioButton").color(QPalette::Window).lightness(), 100);
-    }
-}
