@@ -38,12 +38,10 @@ static std::string framed(const std::string& text) {
 static std::string request(const std::string& command) { return framed("00000" + command); }
 
 /// A well-formed packet under a number that need not be in range.
-static std::string packet(unsigned number, CheckMode mode = CheckMode::crc) {
+static std::string packet(unsigned number) {
     const std::string payload(kBlockSize, char(number * 7));
     const unsigned crc = crc16(bytesOf(payload));
-    const std::string check{char(crc >> 8), char(crc)};
-    return '\x01' + std::string{char(number), char(~number)} + payload +
-           (mode == CheckMode::crc ? check : std::string(1, char(sum8(bytesOf(payload)))));
+    return '\x01' + std::string{char(number), char(~number)} + payload + std::string{char(crc >> 8), char(crc)};
 }
 
 struct Units {
@@ -62,7 +60,6 @@ struct Units {
     Devices devices{{}};
     CommandMachine commands{devices, faults, journal, Timing{}};
     PacketReceiver download{CheckMode::crc, false, faults, journal, Timing{}, [](const Bytes&, Time) {}};
-    PacketReceiver downloadWithSums{CheckMode::sum, false, faults, journal, Timing{}, [](const Bytes&, Time) {}};
     BlockSender upload{Bytes(kImageSize), 1, false, faults, journal, Timing{}};
 };
 
@@ -107,7 +104,6 @@ TEST(Units, RefuseEverySingleBitError) {
         // machine, good bytes, answer to bad ones
         {units.commands, request("0501"), ""},
         {units.download, packet(1), "\x15"},
-        {units.downloadWithSums, packet(1, CheckMode::sum), "\x15"},
     };
     for (const auto& [machine, good, refusal] : cases) {
         // Before a packet, any byte can be noise.
@@ -128,7 +124,6 @@ TEST(Units, ComplainOfWhatDoesNotBelongToADownload) {
     const std::tuple<unsigned, std::string, std::string, Texts> cases[] = {
         // packets before, bytes, answer, complaints
         {3, packet(5), "", {"packet number 5 after 3 blocks"}},
-        {0, packet(0), "", {"packet number 0 after 0 blocks"}},
         {3, packet(2), "", {"packet number 2 after 3 blocks"}},
         {1920, packet(1921), "", {"packet number 129 after 1920 blocks"}},
         {5, packet(5), "\x06", {"packet 5 sent again without reason"}},
@@ -136,7 +131,6 @@ TEST(Units, ComplainOfWhatDoesNotBelongToADownload) {
         {2, "\x18\x01", "", {"a single CAN"}},
         {2, "\x18", "", {"a single CAN"}},
         {2, "\x01\x03\xFC\x01", "", {"packet broken off after 4 bytes -> NAK"}},
-        {0, "\x04", "\x15", {"EOT after 0 blocks -> NAK"}},
         {1919, "\x04", "\x15", {"EOT after 1919 blocks -> NAK"}},
         {0, "\x18\x18", "", {}},
         {7, "\x01\x08\xF7\x01\x18\x18", "", {}},

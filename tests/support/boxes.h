@@ -10,7 +10,6 @@
 #include <QMessageBox>
 #include <QTimer>
 
-#include <chrono>
 #include <functional>
 
 class BoxOperator : public QObject, public User {
@@ -26,9 +25,6 @@ public:
     /// In the place of an answer: the key.
     static constexpr auto kEscape = kBoxFailed;
 
-    /// Takes that long to read a box before it is answered.
-    std::chrono::milliseconds readingTime{0};
-
     /// Looks at each window before it is answered.
     std::function<void(const QMessageBox&)> look = [](const QMessageBox&) {};
 
@@ -38,7 +34,7 @@ protected:
         if (box == nullptr)
             return false;
         look(*box);
-        QTimer::singleShot(readingTime, box, [box, answer = nextAnswer()] {
+        QTimer::singleShot(0, box, [box, answer = nextAnswer()] {
             QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
             if (answer == kEscape)
                 QApplication::sendEvent(box, &escape);

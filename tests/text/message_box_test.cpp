@@ -29,12 +29,6 @@ TEST_F(Messages, InsertsStandWhereTheMessageHasThem) {
     }
 }
 
-TEST_F(Messages, ABoxThatFailsIsShownAsAFailure) {
-    EXPECT_EQ(fncMsgBox(999, kCritical), kBoxFailed);
-    EXPECT_EQ(user.said(), QStringList("番号 : 326 / 内容 : No text with number 999"));
-    EXPECT_EQ(user.boxes().front().title, "fncMsgBox関数のエラー");
-}
-
 TEST_F(Messages, AFailureIsShownAndOnlyTheUnexpectedErrorOfTheLanguageInUseEndsTheProgram) {
     EXPECT_FALSE(runTrapped([] { throw RuntimeFailure(57, "COM1"); }));
     EXPECT_FALSE(runTrapped([] { throw std::bad_alloc(); }));

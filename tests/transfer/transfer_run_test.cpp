@@ -4,9 +4,6 @@
 #include "text/message_box.h"
 #include "transfer/memory_line.h"
 
-#include <csignal>
-#include <sys/resource.h>
-
 /// Runs on a line in memory. The whole story of each is told in order: commands, boxes, what the screen is asked for.
 class Run : public ProgramTest {
 protected:
@@ -115,23 +112,6 @@ TEST_F(Run, ASaveWritesTheFileAfterTheSecondEotAlone) {
         EXPECT_EQ(readFile("saved.bin"), saved) << name;
     }
     EXPECT_EQ(line.sent.join(), kNak + QByteArray(1'920, kAck) + kNak + kAck);
-}
-
-TEST_F(Run, ASaveThatDoesNotFitOnTheDiskLeavesTheOldFile) {
-    writeFile("saved.bin", "old");
-    // The disk is full for every file beyond 100,000 bytes.
-    std::signal(SIGXFSZ, SIG_IGN);
-    rlimit before{};
-    ::getrlimit(RLIMIT_FSIZE, &before);
-    const rlimit full{100'000, before.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &full);
-    line.input = upload(image);
-    run.read({.file = file("saved.bin")});
-    const QString end = story();
-    ::setrlimit(RLIMIT_FSIZE, &before);
-    EXPECT_TRUE(end.startsWith("52, progress, " + error + file("saved.bin") + ": File too large")) << qPrintable(end);
-    EXPECT_EQ(readFile("saved.bin"), "old");
-    EXPECT_EQ(QDir(file({})).entryList(QDir::Files), QStringList("saved.bin")) << "nothing is left behind";
 }
 
 TEST_F(Run, OnlyAReadThatReceivesIsCancelled) {
