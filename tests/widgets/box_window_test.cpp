@@ -58,4 +58,3 @@ TEST_F(BoxWindow, QtsOwnTextsSpeakTheLanguageOfTheForms) {
         EXPECT_EQ(QCoreApplication::translate("QPlatformTheme", "Save"), save);
     }
 }
-
