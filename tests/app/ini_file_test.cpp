@@ -43,6 +43,7 @@ TEST_F(IniFile, AFileThatCannotBeReadIsReportedWithTheReason) {
                                        {"mkfifo '%1'", "ファイルではありません"},
                                        {"ln -s /dev/zero '%1'", "ファイルではありません"},
                                        {"ln -s /proc/self/mem '%1'", "Input/output error"},
+                                       {"ln -s /sys/bus/cpu/uevent '%1'", "Permission denied"},
                                        {"truncate -s 5M '%1'", "ファイルが4194304バイトを超えています"}}) {
         ASSERT_EQ(std::system(qPrintable(QString(make).replace("%1", path))), 0);
         EXPECT_EQ(read("s", "k"), "") << make;
