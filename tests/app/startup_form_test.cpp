@@ -82,6 +82,7 @@ TEST_F(StartUp, EndsTheProgramOrHandsOverAfterWhatTheUnitsAnswer) {
         {"data:0A0000@0101D5", 5, " 0.000, IFU-D 1.004", {}},
         {"response:1004@0601", 2, " , old ", {}},
         {"response:2204@0101D4", 3, " , old ", {}},
+        {"response:2204@0501", 1, nullptr, {}},
         {"silence@0601", 2, nullptr, {}},
         {"response:1001@0101D4", 3, nullptr, {}},
         {"unplug@0101D4", 3, nullptr, {"It is a receiving timeout error."}},
