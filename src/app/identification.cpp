@@ -6,10 +6,9 @@
 #include "link/protocol_words.h"
 #include "link/waits.h"
 #include "system/program_end.h"
-#include "text/blanks.h"
+#include "text/characters.h"
 #include "text/error_report.h"
 #include "text/message_box.h"
-#include "text/single_bytes.h"
 #include "text/string_table.h"
 
 QString gAmpTypeName;

@@ -2,7 +2,7 @@
 
 #include "system/regular_file.h"
 #include "system/runtime_failure.h"
-#include "text/blanks.h"
+#include "text/characters.h"
 #include "text/error_report.h"
 #include "text/string_table.h"
 

@@ -1,7 +1,7 @@
 #include "app/numbers.h"
 
 #include "system/runtime_failure.h"
-#include "text/blanks.h"
+#include "text/characters.h"
 #include "text/string_table.h"
 
 #include <QRegularExpression>

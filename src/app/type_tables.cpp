@@ -4,7 +4,7 @@
 #include "app/numbers.h"
 #include "system/program_folder.h"
 #include "system/runtime_failure.h"
-#include "text/blanks.h"
+#include "text/characters.h"
 #include "text/string_table.h"
 
 #include <QStringList>

@@ -5,10 +5,9 @@
 #include "link/waits.h"
 #include "system/runtime_failure.h"
 #include "system/standard_error.h"
-#include "text/blanks.h"
+#include "text/characters.h"
 #include "text/error_report.h"
 #include "text/message_box.h"
-#include "text/single_bytes.h"
 #include "text/string_table.h"
 
 int gUnitNo = 0;

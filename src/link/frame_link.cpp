@@ -1,15 +1,19 @@
 #include "link/frame_link.h"
 
 #include "link/com_port.h"
-#include "link/communication_log.h"
 #include "link/frame.h"
 #include "link/ms_comm.h"
 #include "link/protocol_words.h"
 #include "link/waits.h"
 #include "system/event_wait.h"
 #include "system/program_end.h"
+#include "system/program_folder.h"
+#include "system/regular_file.h"
+#include "system/runtime_failure.h"
 #include "text/message_box.h"
 #include "text/string_table.h"
+
+#include <QDateTime>
 
 /// Bytes of the last reply: echoed command code (2), response code (2), data.
 static QByteArray gbytRecvData;
@@ -32,6 +36,15 @@ static void subSendFrame(const QString& command) { boundPort().output(buildReque
 static bool takeWaitingBytes(ReplyParser& parser) {
     const QByteArray bytes = boundPort().input(kReplyCapacity);
     return std::any_of(bytes.begin(), bytes.end(), [&parser](char byte) { return parser.take(byte); });
+}
+
+/// Appends the local time and `line` to the communication log beside the program.
+static void subWriteCommLog(const QString& line) {
+    RegularFile log(programFile(QStringLiteral("PelkLog.txt")));
+    const QString time = QDateTime::currentDateTime().toString(QStringLiteral("yyyy/MM/dd HH:mm:ss"));
+    const QByteArray record = QStringLiteral("%1 %2\r\n").arg(time, line).toUtf8();
+    if (!log.open(QIODevice::Append) || log.write(record) != record.size() || !log.flush())
+        throw RuntimeFailure(failure::kFileAccess, QStringLiteral("%1: %2").arg(log.fileName(), log.errorString()));
 }
 
 static QString fncExchange(const QString& command, bool raw, std::chrono::milliseconds timeout) {

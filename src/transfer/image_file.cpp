@@ -1,7 +1,7 @@
 #include "transfer/image_file.h"
 
 #include "system/runtime_failure.h"
-#include "text/blanks.h"
+#include "text/characters.h"
 #include "text/error_report.h"
 #include "text/string_table.h"
 

@@ -1,9 +1,8 @@
 #include "upgrade/image_info.h"
 
 #include "system/runtime_failure.h"
-#include "text/blanks.h"
+#include "text/characters.h"
 #include "text/error_report.h"
-#include "text/single_bytes.h"
 #include "text/string_table.h"
 #include "transfer/image_file.h"
 

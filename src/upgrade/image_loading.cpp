@@ -3,7 +3,7 @@
 #include "app/ini_file.h"
 #include "app/numbers.h"
 #include "app/type_tables.h"
-#include "text/blanks.h"
+#include "text/characters.h"
 #include "upgrade/image_info.h"
 
 bool gFileLoaded = false;

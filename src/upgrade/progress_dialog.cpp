@@ -1,7 +1,7 @@
 #include "upgrade/progress_dialog.h"
 
 #include "link/waits.h"
-#include "text/blanks.h"
+#include "text/characters.h"
 #include "text/string_table.h"
 #include "upgrade/fitted_label.h"
 #include "upgrade/form_layout.h"

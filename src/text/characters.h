@@ -1,4 +1,4 @@
-/// Texts that units and images carry.
+/// Texts as units, images and tables carry them.
 #pragma once
 
 #include <QByteArray>
@@ -15,4 +15,15 @@ inline QString singleByteText(const QByteArray& bytes) {
         if (character >= QChar(kFirstKatakana) && character <= QChar(kLastKatakana))
             character = QChar(character.unicode() - kFirstKatakana + kHalfWidthKatakana);
     return characters;
+}
+
+/// `text` without the blanks (U+0020 alone) at its ends.
+inline QString trimBlanks(const QString& text) {
+    qsizetype first = 0;
+    qsizetype last = text.size();
+    while (first < last && text[first] == QLatin1Char(' '))
+        ++first;
+    while (last > first && text[last - 1] == QLatin1Char(' '))
+        --last;
+    return text.mid(first, last - first);
 }
