@@ -70,6 +70,11 @@ need_display() {
     need "to work the windows and take pictures" xdotool imagemagick
 }
 
+need_windows() {
+    need "to build for Windows" g++-mingw-w64-x86-64-posix icoutils zip
+    need "to unpack the source of Qt" dpkg-dev
+}
+
 need_fuzzers() { need "for the fuzzers, and names in what they report" clang-14 libclang-rt-14-dev llvm-14; }
 
 need_tour() {

@@ -1,5 +1,6 @@
 #include "app/ini_file.h"
 
+#include "system/cp932.h"
 #include "system/regular_file.h"
 #include "system/runtime_failure.h"
 #include "text/characters.h"
@@ -20,8 +21,7 @@ QStringList gListItems;
 
 QString iniText(const QByteArray& bytes) {
     // The decoder does not count an incomplete character at the end as an error.
-    return bytes.isValidUtf8() ? QStringDecoder(QStringDecoder::Utf8).decode(bytes)
-                               : QStringDecoder("windows-31j").decode(bytes);
+    return bytes.isValidUtf8() ? QStringDecoder(QStringDecoder::Utf8).decode(bytes) : fromCp932(bytes);
 }
 
 QString iniValue(const QString& stored) {

@@ -1,270 +1,87 @@
 #include "link/ms_comm.h"
 
 #include "link/waits.h"
-#include "system/program_folder.h"
-#include "system/runtime_failure.h"
 #include "text/string_table.h"
 
-#include <QFile>
-#include <QFileInfo>
-
 #include <algorithm>
-#include <cerrno>
-#include <fcntl.h>
-#include <linux/serial.h>
-#include <poll.h>
-#include <sys/file.h>
-#include <sys/ioctl.h>
-#include <sys/stat.h>
-#include <sys/sysmacros.h>
-#include <termios.h>
-#include <unistd.h>
 #include <utility>
 
-namespace {
-
-using Clock = std::chrono::steady_clock;
-
-/// Where port `number` is looked for, in this order: a link of its own, or the built-in port.
-QStringList placesOf(int number) {
-    const QString link = QStringLiteral("com%1").arg(number);
-    return {programFile(QStringLiteral("ports/") + link), programFile(link),
-            QStringLiteral("/dev/ttyS%1").arg(number - 1)};
+RuntimeFailure portFailure(int number, const QString& port, const char* doing, int error, const QString& remedy) {
+    return {number, QStringLiteral("%1: %2: %3%4").arg(port, QLatin1String(doing), qt_error_string(error), remedy)};
 }
 
-/// The first of these that is there. An unplugged adapter leaves a dangling link, which must not select another device.
-QString devicePath(int number) {
-    const QStringList places = placesOf(number);
-    const auto isThere = [](const QString& path) { return QFileInfo(path).isSymLink() || QFileInfo::exists(path); };
-    const auto found = std::find_if(places.begin(), places.end(), isThere);
-    if (number < 1 || found == places.end())
-        throw RuntimeFailure(failure::kInvalidPort, textByOffset({u"COM%1: there is no link %2 or %3, and no device %4",
-                                                                  u"COM%1: リンク %2、%3 もデバイス %4 もありません"})
-                                                        .arg(QString::number(number), places[0], places[1], places[2]));
-    if (!QFileInfo::exists(*found))
-        throw RuntimeFailure(
-            failure::kInvalidPort,
-            textByOffset(
-                {u"COM%1: the link %2 leads to %3, which is not there; the adapter is unplugged, or the link is old",
-                 u"COM%1: リンク %2 の先の %3 がありません。アダプターが抜けているか、リンクが古くなっています"})
-                .arg(QString::number(number), *found, QFileInfo(*found).symLinkTarget()));
-    return *found;
+namespace remedy {
+
+QString inUse() {
+    return textByOffset({u"; another program uses the port", u"。他のプログラムがポートを使用しています"});
 }
 
-/// What the operator can do about an open that failed with `error`.
-QString remedy(int error) {
-    switch (error) {
-    case EACCES:
-    case EPERM:
-        return textByOffset(
-            {u"; add the user to the group dialout", u"。ユーザーをグループ dialout に追加してください"});
-    case EBUSY:
-        return textByOffset({u"; another program uses the port", u"。他のプログラムがポートを使用しています"});
-    case ENOENT:
-    case ENXIO:
-    case ENODEV:
-    case EIO:
-        return textByOffset({u"; the adapter is unplugged, or there is no device behind the port",
-                             u"。アダプターが抜けているか、ポートにデバイスがありません"});
-    case ENOTTY:
-    case EISDIR:
-        return textByOffset({u"; not a serial port", u"。シリアルポートではありません"});
-    case ETIMEDOUT:
-        return textByOffset({u"; the unit or adapter takes no data: check cable and power",
-                             u"。データを送信できません。ケーブルと電源を確認してください"});
-    case EINVAL:
-        return textByOffset(
-            {u"; the port cannot be set to 38400 bit/s, 8N1: plug the adapter in again, or use another",
-             u"。ポートを 38400 bps、8N1 に設定できません。アダプターを差し直すか、別のアダプターを使用してください"});
-    default:
-        return {};
-    }
+QString gone() {
+    return textByOffset({u"; the adapter is unplugged, or there is no device behind the port",
+                         u"。アダプターが抜けているか、ポートにデバイスがありません"});
 }
 
-/// Whether the port is a pseudo-terminal, by the device numbers that Linux gives them.
-bool isPseudoTerminal(int descriptor) {
-    constexpr unsigned kFirst = 136;
-    constexpr unsigned kLast = 143;
-    struct stat status {};
-    return ::fstat(descriptor, &status) == 0 && major(status.st_rdev) >= kFirst && major(status.st_rdev) <= kLast;
+QString notSerial() { return textByOffset({u"; not a serial port", u"。シリアルポートではありません"}); }
+
+QString noData() {
+    return textByOffset({u"; the unit or adapter takes no data: check cable and power",
+                         u"。データを送信できません。ケーブルと電源を確認してください"});
 }
 
-/// Takes the port for this program alone, and changes nothing else of it.
-/// @return 0, or why it cannot be had
-int claim(int descriptor) {
-    if (::flock(descriptor, LOCK_EX | LOCK_NB) < 0)
-        return errno == EWOULDBLOCK ? EBUSY : errno;
-    // The kernel lets a privileged user open a port that another program has marked: ask.
-    int exclusive = 0;
-    if (::ioctl(descriptor, TIOCGEXCL, &exclusive) == 0 && exclusive != 0)
-        return EBUSY;
-    // A killed program leaves its mark on a pseudo-terminal whose other side stays open; its lock goes with it.
-    if (isPseudoTerminal(descriptor))
-        return 0;
-    return ::ioctl(descriptor, TIOCEXCL) < 0 ? errno : 0;
+QString line() {
+    return textByOffset(
+        {u"; the port cannot be set to 38400 bit/s, 8N1: plug the adapter in again, or use another",
+         u"。ポートを 38400 bps、8N1 に設定できません。アダプターを差し直すか、別のアダプターを使用してください"});
 }
 
-/// Whether two settings are the same in what decides how bytes come and go.
-bool isSameLine(const termios& a, const termios& b) {
-    constexpr tcflag_t kCharacter = CSIZE | CSTOPB | PARENB | PARODD | CMSPAR | CRTSCTS | CLOCAL | CREAD;
-    return a.c_iflag == b.c_iflag && a.c_oflag == b.c_oflag && a.c_lflag == b.c_lflag &&
-           (a.c_cflag & kCharacter) == (b.c_cflag & kCharacter) && a.c_cc[VMIN] == b.c_cc[VMIN] &&
-           a.c_cc[VTIME] == b.c_cc[VTIME] && ::cfgetispeed(&a) == ::cfgetispeed(&b) &&
-           ::cfgetospeed(&a) == ::cfgetospeed(&b);
-}
-
-bool isGone(short events) { return (events & (POLLHUP | POLLERR | POLLNVAL)) != 0; }
-
-}  // namespace
-
-void MSComm::fail(const char* doing, int error) const {
-    throw RuntimeFailure(
-        error == EBUSY ? failure::kPortOpen : failure::kDeviceIo,
-        QStringLiteral("COM%1 (%2): %3: %4%5")
-            .arg(QString::number(number_), path_, QLatin1String(doing), qt_error_string(error), remedy(error)));
-}
+}  // namespace remedy
 
 void MSComm::open(const QString& settings) {
     if (settings != QLatin1String("38400,n,8,1"))
         throw RuntimeFailure(failure::kInvalidProperty, QStringLiteral("Line settings %1").arg(settings));
-    path_ = devicePath(number_);
-    // Not blocking, so that neither a missing carrier nor a full buffer can hold the program.
-    descriptor_ = ::open(QFile::encodeName(path_).constData(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    if (descriptor_ < 0)
-        fail("open", errno);
-    if (const int error = claim(descriptor_); error != 0) {
-        // Not close(), which would drop the output and the mark of the program that owns the port.
-        ::close(std::exchange(descriptor_, -1));
-        fail("claim", error);
-    }
-    try {
-        setDriver();
-        setLine();
-    } catch (...) {
-        close();
-        throw;
-    }
+    port_ = openSerialPort(number_);
 }
 
-/// Asks the driver to hand over each byte as it comes, and to take 38400 bit/s for what it says.
-void MSComm::setDriver() const {
-    serial_struct serial{};
-    if (::ioctl(descriptor_, TIOCGSERIAL, &serial) < 0)
-        return;  // nothing to set in this driver
-    constexpr auto kOtherSpeed = static_cast<int>(ASYNC_SPD_MASK);
-    serial.flags = (serial.flags & ~kOtherSpeed) | static_cast<int>(ASYNC_LOW_LATENCY);
-    ::ioctl(descriptor_, TIOCSSERIAL, &serial);
-    // Low latency is a gain, the speed a must.
-    if (::ioctl(descriptor_, TIOCGSERIAL, &serial) < 0)
-        fail("line settings", errno);
-    if ((serial.flags & kOtherSpeed) != 0)
-        fail("line settings", EINVAL);
-}
-
-void MSComm::setLine() const {
-    termios asked{};
-    if (::tcgetattr(descriptor_, &asked) < 0)
-        fail("line settings", errno);
-    asked.c_iflag = asked.c_oflag = asked.c_lflag = 0;
-    asked.c_cflag = (asked.c_cflag & HUPCL) | CS8 | CREAD | CLOCAL;
-    // With at least 1, a read of an idle port says "again", and 0 bytes mean a hang-up.
-    asked.c_cc[VMIN] = 1;
-    asked.c_cc[VTIME] = 0;
-    ::cfsetispeed(&asked, B38400);
-    ::cfsetospeed(&asked, B38400);
-    if (::tcsetattr(descriptor_, TCSANOW, &asked) < 0)
-        fail("line settings", errno);
-    // That reports success as soon as any one setting has been made.
-    termios inForce{};
-    if (::tcgetattr(descriptor_, &inForce) < 0)
-        fail("line settings", errno);
-    if (!isSameLine(inForce, asked))
-        fail("line settings", EINVAL);
-    ::tcflush(descriptor_, TCIOFLUSH);
-}
-
-void MSComm::close() {
-    if (!isOpen())
-        return;
-    // Otherwise closing would block until the output has drained.
-    discardOutput();
-    // The mark stays while another program has the port open. On a pseudo-terminal it is not ours.
-    if (!isPseudoTerminal(descriptor_))
-        ::ioctl(descriptor_, TIOCNXCL);
-    ::close(std::exchange(descriptor_, -1));
-}
-
-void MSComm::requireOpen() const {
+SerialPort& MSComm::port() const {
     if (!isOpen())
         throw RuntimeFailure(failure::kPortNotOpen,
                              textByOffset({u"COM%1 is not open", u"COM%1 は開いていません"}).arg(number_));
+    return *port_;
 }
 
 QByteArray MSComm::input(qsizetype most) {
     if (most <= 0)
         return {};  // to read no bytes would look like a hang-up
     QByteArray bytes(most, Qt::Uninitialized);
-    bytes.truncate(take(bytes.data(), most));
+    bytes.truncate(port().read(bytes.data(), most));
     return bytes;
 }
 
 std::optional<char> MSComm::inputByte() {
     char byte = '\0';
-    return take(&byte, 1) == 1 ? std::optional(byte) : std::nullopt;
-}
-
-/// Moves up to `most` (at least 1) waiting bytes to `bytes`. @return how many
-qsizetype MSComm::take(char* bytes, qsizetype most) {
-    requireOpen();
-    const ssize_t taken = ::read(descriptor_, bytes, static_cast<size_t>(most));
-    if (taken < 0 && (errno == EAGAIN || errno == EINTR))
-        return 0;
-    if (taken <= 0)
-        fail("read", taken < 0 ? errno : EIO);
-    return taken;
+    return port().read(&byte, 1) == 1 ? std::optional(byte) : std::nullopt;
 }
 
 void MSComm::discardInput() const {
     if (isOpen())
-        ::tcflush(descriptor_, TCIFLUSH);
+        port_->discardInput();
 }
 
 void MSComm::discardOutput() const {
     if (isOpen())
-        ::tcflush(descriptor_, TCOFLUSH);
+        port_->discardOutput();
 }
 
 void MSComm::output(const QByteArray& bytes) {
-    requireOpen();
-    qsizetype sent = 0;
-    Clock::time_point deadline = Clock::now() + gWaits.portWrite;
-    while (sent < bytes.size()) {
-        const ssize_t written =
-            ::write(descriptor_, bytes.constData() + sent, static_cast<size_t>(bytes.size() - sent));
-        if (written > 0) {
-            sent += written;
-            deadline = Clock::now() + gWaits.portWrite;
-            continue;
-        }
-        if (written < 0 && errno != EAGAIN && errno != EINTR)
-            fail("write", errno);
-        if (Clock::now() >= deadline)
-            fail("write", ETIMEDOUT);
-        if (isGone(waitFor(POLLOUT, deadline - Clock::now())))
-            fail("write", EIO);
-    }
+    SerialPort& to = port();
+    for (qsizetype sent = 0; sent < bytes.size();)
+        sent += to.write(bytes.constData() + sent, bytes.size() - sent, gWaits.portWrite);
 }
 
 void MSComm::waitForInput(std::chrono::nanoseconds limit) const {
-    requireOpen();
-    waitFor(POLLIN, limit);
+    port().waitForInput(std::max(limit, std::chrono::nanoseconds::zero()));
 }
 
-short MSComm::waitFor(short events, std::chrono::nanoseconds limit) const {
-    limit = std::max(limit, std::chrono::nanoseconds::zero());
-    const auto seconds = std::chrono::floor<std::chrono::seconds>(limit);
-    const timespec timeout{seconds.count(), (limit - seconds).count()};
-    pollfd state{descriptor_, events, 0};
-    ::ppoll(&state, 1, &timeout, nullptr);
-    return state.revents;
+std::unique_ptr<ArrivalNotifier> MSComm::notifier(std::function<void()> arrived) const {
+    return port().notifier(std::move(arrived));
 }

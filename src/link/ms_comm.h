@@ -1,29 +1,25 @@
 /// The serial port.
 ///
-/// The only code that touches a descriptor of a port. Used from the user-interface thread only.
+/// The only way to a port. Used from the user-interface thread only.
 #pragma once
+
+#include "link/serial_port.h"
 
 #include <QByteArray>
 #include <QString>
 
-#include <chrono>
 #include <optional>
 
 /// One serial port, addressed by its COM number, at 38400 bit/s, no parity, 8 data bits, 1 stop bit, no flow control.
 ///
-/// COM n is the link `ports/com<n>` in the program's folder, without one the link `com<n>` there, without either
-/// `/dev/ttyS<n-1>`. After an unplug the next read or write throws.
+/// On Linux COM n is the link `ports/com<n>` in the program's folder, without one the link `com<n>` there, without
+/// either `/dev/ttyS<n-1>`; on Windows it is the system's own. After an unplug the next read or write throws.
 class MSComm {
 public:
-    MSComm() = default;
-    ~MSComm() { close(); }
-    MSComm(const MSComm&) = delete;
-    MSComm& operator=(const MSComm&) = delete;
-
     /// Number of the port that the next open() opens; throws nothing, whatever the number.
     void setCommPort(int number) { number_ = number; }
 
-    bool isOpen() const { return descriptor_ >= 0; }
+    bool isOpen() const { return port_ != nullptr; }
 
     /// Opens the port for this program alone and sets its line, whatever it was before.
     ///
@@ -33,7 +29,7 @@ public:
     void open(const QString& settings);
 
     /// Closes the port and drops what is still to be sent; does nothing when it is closed.
-    void close();
+    void close() { port_.reset(); }
 
     /// Takes up to `most` waiting bytes, oldest first; none when none is waiting.
     /// @throws RuntimeFailure  the port is closed or gone
@@ -53,20 +49,16 @@ public:
     void output(const QByteArray& bytes);
 
     /// Sleeps until a byte is waiting, the port is gone, a signal comes, or `limit` has passed. No window events run.
+    /// @throws RuntimeFailure  the port is closed
     void waitForInput(std::chrono::nanoseconds limit) const;
 
-    /// Descriptor of the open port, for a notifier on it.
-    int descriptor() const { return descriptor_; }
+    /// Calls `arrived` from the event loop as long as bytes are waiting, or the port is gone.
+    /// @throws RuntimeFailure  the port is closed
+    std::unique_ptr<ArrivalNotifier> notifier(std::function<void()> arrived) const;
 
 private:
-    void requireOpen() const;
-    void setDriver() const;
-    void setLine() const;
-    qsizetype take(char* bytes, qsizetype most);
-    short waitFor(short events, std::chrono::nanoseconds limit) const;
-    [[noreturn]] void fail(const char* doing, int error) const;
+    SerialPort& port() const;
 
     int number_ = 1;
-    int descriptor_ = -1;
-    QString path_;
+    std::unique_ptr<SerialPort> port_;
 };

@@ -53,7 +53,7 @@ std::optional<char> RawLine::fncWaitByte(std::chrono::milliseconds limit) {
     std::optional<char> byte = boundPort().inputByte();
     if (byte)
         return byte;
-    const QSocketNotifier arrival(boundPort().descriptor(), QSocketNotifier::Read);
+    const auto arrival = boundPort().notifier([] {});
     // A byte that is waiting wins over an elapsed limit.
     const auto rest = std::chrono::ceil<std::chrono::milliseconds>(std::max(end - now(), Time::duration::zero()));
     waitServingEvents(rest, [&byte] {
@@ -91,9 +91,8 @@ void RawLine::callStep() const {
 }
 
 void RawLine::watchInput() {
-    input_ = std::make_unique<QSocketNotifier>(boundPort().descriptor(), QSocketNotifier::Read);
+    input_ = boundPort().notifier([this] { callStep(); });
     input_->setEnabled(false);
-    QObject::connect(input_.get(), &QSocketNotifier::activated, &CommTimer, [this] { callStep(); });
 }
 
 void RawLine::holdInput(bool hold) {

@@ -1,9 +1,9 @@
 /// The line of a transfer on the program's serial port: the one place of the transfer with port, clock and events.
 #pragma once
 
+#include "link/arrival_notifier.h"
 #include "transfer/transfer_line.h"
 
-#include <QSocketNotifier>
 #include <QTimer>
 
 #include <memory>
@@ -33,6 +33,6 @@ private:
 
     std::function<void()> step_;
     QTimer CommTimer;
-    std::unique_ptr<QSocketNotifier> input_;  ///< null while bytes that come in call nothing
+    std::unique_ptr<ArrivalNotifier> input_;  ///< null while bytes that come in call nothing
     Time eventsServed_;                       ///< when window events were served last in a byte wait
 };

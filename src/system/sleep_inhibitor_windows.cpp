@@ -1,0 +1,18 @@
+#include "system/sleep_inhibitor.h"
+
+#include <windows.h>
+
+static int held = 0;
+
+// Windows counts no requests, and forgets that of a thread with the thread: there is only the one of the windows.
+SleepInhibitor::SleepInhibitor() {
+    ++held;
+    ::SetThreadExecutionState(ES_CONTINUOUS | ES_SYSTEM_REQUIRED);
+}
+
+SleepInhibitor::~SleepInhibitor() {
+    if (--held == 0)
+        ::SetThreadExecutionState(ES_CONTINUOUS);
+}
+
+bool SleepInhibitor::isHeld() { return held > 0; }
