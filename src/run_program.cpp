@@ -17,8 +17,6 @@
 #include <QIcon>
 #include <QSessionManager>
 
-#include <cstdlib>
-
 /// The icon of the program that runs; each carries its own under the same name.
 static QIcon programIcon() {
     QIcon icon;
@@ -48,7 +46,7 @@ int runProgram(int argc, char* argv[], Edition edition) {
     repairDarkPalette();
     setProgramEnd([] {
         subPortClose();
-        std::_Exit(EXIT_SUCCESS);
+        endProcess();
     });
     frmMain mainWindow;
     if (edition == Edition::service)

@@ -71,10 +71,11 @@ public:
 
     ~WindowsPort() override {
         discardOutput();
-        // Ends watch_.
+        ::ResetEvent(arrival());
+        // Ends the watch.
         ::SetCommMask(port_, 0);
         ::CloseHandle(port_);
-        if (::WaitForSingleObject(watch_->state.hEvent, kEndTime) != WAIT_OBJECT_0)
+        if (isWatching() && ::WaitForSingleObject(arrival(), kEndTime) != WAIT_OBJECT_0)
             (void)watch_.release();
     }
 
@@ -101,7 +102,8 @@ public:
         const auto wanted = static_cast<DWORD>(std::min(most, Operation::kCapacity));
         const bool begun = ::ReadFile(port_, operation->bytes.data(), wanted, nullptr, &operation->state) != 0;
         const DWORD count = finish("read", operation, begun, kEndTime);
-        std::memcpy(bytes, operation->bytes.data(), count);
+        if (count > 0)
+            std::memcpy(bytes, operation->bytes.data(), count);
         return count;
     }
 
@@ -130,14 +132,12 @@ public:
 
     void watch() {
         ::ResetEvent(arrival());
-        const auto last = static_cast<LONG>(watch_->state.Internal);
         // A port that cannot watch must at least not take all processor time.
-        if (last < 0)
+        if (static_cast<LONG>(watch_->state.Internal) < 0)
             ::Sleep(1);
-        const bool isWatching =
-            last == STATUS_PENDING ||
-            (::WaitCommEvent(port_, &watch_->events, &watch_->state) == 0 && ::GetLastError() == ERROR_IO_PENDING);
-        if (!isWatching || hasInput())
+        const bool begun = isWatching() || (::WaitCommEvent(port_, &watch_->events, &watch_->state) == 0 &&
+                                            ::GetLastError() == ERROR_IO_PENDING);
+        if (!begun || hasInput())
             ::SetEvent(arrival());
     }
 
@@ -148,6 +148,8 @@ private:
     static DWORD milliseconds(std::chrono::nanoseconds time) {
         return static_cast<DWORD>(std::chrono::ceil<std::chrono::milliseconds>(time).count());
     }
+
+    bool isWatching() const { return watch_->state.Internal == STATUS_PENDING; }
 
     /// A failure counts as input: the next read meets it.
     bool hasInput() const {
@@ -168,9 +170,13 @@ private:
         if (::GetLastError() != WAIT_TIMEOUT)
             fail(doing);
         ::CancelIoEx(port_, &operation->state);
-        if (::GetOverlappedResultEx(port_, &operation->state, &count, kEndTime, FALSE) == 0 &&
-            ::GetLastError() != ERROR_OPERATION_ABORTED)
+        if (::GetOverlappedResultEx(port_, &operation->state, &count, kEndTime, FALSE) != 0)
+            return count;
+        const DWORD error = ::GetLastError();
+        if (error == WAIT_TIMEOUT)
             (void)operation.release();
+        if (error != ERROR_OPERATION_ABORTED)
+            fail(doing, error == WAIT_TIMEOUT ? DWORD{ERROR_SEM_TIMEOUT} : error);
         return count;
     }
 

@@ -1,6 +1,5 @@
 #include "system/program_end.h"
 
-#include <cstdlib>
 #include <utility>
 
 static std::function<void()>& programEnd() {
@@ -12,7 +11,7 @@ void endProgram() {
     if (programEnd())
         programEnd()();
     else
-        std::_Exit(EXIT_SUCCESS);
+        endProcess();
 }
 
 void setProgramEnd(std::function<void()> end) { programEnd() = std::move(end); }

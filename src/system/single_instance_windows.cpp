@@ -8,7 +8,8 @@ bool isOnlyInstance() {
     // Left open on purpose: the mutex lives as long as the process.
     static const HANDLE mutex = ::CreateMutexW(nullptr, FALSE, L"Local\\Dravolt");
     static const DWORD error = ::GetLastError();
-    if (mutex == nullptr)
+    if (mutex == nullptr && error != ERROR_ACCESS_DENIED)
         complain(qt_error_string(static_cast<int>(error)) + QStringLiteral("; a second copy cannot be noticed"));
-    return error != ERROR_ALREADY_EXISTS;
+    // Refused is what a copy with more rights holds.
+    return error != ERROR_ALREADY_EXISTS && error != ERROR_ACCESS_DENIED;
 }

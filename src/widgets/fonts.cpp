@@ -14,6 +14,7 @@ static const QStringList kGothicFonts{
     QStringLiteral("IPAPGothic"),    QStringLiteral("IPAexGothic"),     QStringLiteral("Noto Sans CJK JP"),
     QStringLiteral("Noto Sans JP"),  QStringLiteral("VL PGothic"),      QStringLiteral("TakaoPGothic"),
     QStringLiteral("BIZ UDPGothic"), QStringLiteral("Source Han Sans"), QStringLiteral("IPAGothic"),
+    QStringLiteral("Yu Gothic UI"),  QStringLiteral("Meiryo UI"),       QStringLiteral("MS PGothic"),
 };
 
 /// `family` for what it has, the gothic fonts for the rest.
