@@ -17,7 +17,7 @@ std::string nameOfUser(uid_t user) {
     return entry != nullptr ? entry->pw_name : std::to_string(user);
 }
 
-/// Whether the system's list of groups has this user in the group, whatever the session began with.
+/// Whether the group database lists this user in the group, even if this session is not in it yet.
 bool isListedIn(gid_t group) {
     const passwd* user = ::getpwuid(::geteuid());
     if (user == nullptr)

@@ -1,4 +1,4 @@
-/// Whether this user may use a device or the programs' folder, and what stands in the way.
+/// Whether this user may use a device or the programs' folder, and if not, why.
 #pragma once
 
 #include <filesystem>
@@ -18,13 +18,13 @@ struct Access {
     std::string group;  ///< the group that may, with loginAgain and notInGroup
 };
 
-/// Reading and writing of the file; for a folder, making and removing files in it.
+/// Whether this user may read and write the file or, for a folder, make and remove files in it.
 Access accessTo(const std::filesystem::path& file);
 
-/// Name of the user who runs this.
+/// Name of the current user.
 std::string userName();
 
-/// Name of the file's owner; a link's own, not that of the file behind it.
+/// Name of the file's owner; links are not followed.
 std::string ownerOf(const std::filesystem::path& file);
 
 }  // namespace ports

@@ -32,7 +32,7 @@ bool isThere(const fs::path& link) {
     return fs::exists(fs::symlink_status(link, none));
 }
 
-/// What is there as com<number>; the first counts.
+/// What exists as com<number>; the first is in effect.
 std::vector<fs::path> linksOf(const Computer& computer, int number) {
     std::vector<fs::path> links;
     for (const fs::path& folder : {portsFolder(computer), computer.folder})
@@ -41,20 +41,20 @@ std::vector<fs::path> linksOf(const Computer& computer, int number) {
     return links;
 }
 
-/// Something else of that name may be the user's own file.
+/// Anything else of that name may be the user's own file.
 void requireLink(const fs::path& link) {
     if (!fs::is_symlink(fs::symlink_status(link)))
         throw Refusal(said(kNotALink, {link}));
 }
 
 [[noreturn]] void refuse(const fs::path& link, const std::error_code& error) {
-    // Who may write into the folder is hindered by the owner of the link alone.
+    // In a writable folder this is the sticky bit: the link belongs to somebody else.
     if (accessTo(link.parent_path()).kind == Access::Kind::granted && error.value() == EPERM)
         throw Refusal(said(kOwnedByOther, {link, ownerOf(link)}));
     throw Refusal(said(kFailed, {link, error.message()}));
 }
 
-/// A name beside the link for a moment. Others may write into the folder, and must not know which name to block.
+/// A temporary name beside the link; random, so that others who can write to the folder cannot block it.
 fs::path freshName(const fs::path& link) {
     std::random_device random;
     std::ostringstream name;
@@ -62,7 +62,7 @@ fs::path freshName(const fs::path& link) {
     return link.parent_path() / name.str();
 }
 
-/// What a link to the device says, for which the user has named a path.
+/// Target of a link to the device that the user has named by this path.
 NewTarget targetFor(const SerialDevice& device, const fs::path& named, const fs::path& serial) {
     const bool isShared = device.sharesName && named.parent_path() == serial / "by-id";
     if (named.string().starts_with((serial / "").string()) && !isShared)
@@ -72,7 +72,7 @@ NewTarget targetFor(const SerialDevice& device, const fs::path& named, const fs:
     return {device.stableName, device.sharesName};
 }
 
-/// The serial device behind `device`, or the pseudo-terminal, with which one practises.
+/// The serial device behind `device`; or a pseudo-terminal, for practice.
 SerialDevice deviceNamed(const Computer& computer, const fs::path& device) {
     SerialDevice terminal;
     terminal.node = endOf(device);
@@ -109,14 +109,13 @@ std::vector<ComLink> comLinks(const Computer& computer) {
 
 NewTarget setComLink(const Computer& computer, int number, const std::string& device) {
     const fs::path dev = computer.root / "dev";
-    // An absolute path replaces what stands before it.
     const fs::path named = device.find('/') == std::string::npos ? dev / device : fs::absolute(device);
     const SerialDevice found = deviceNamed(computer, named);
     const NewTarget target = targetFor(found, named, dev / "serial");
     const fs::path link = linkFolder(computer) / nameOf(number);
     if (isThere(link))
         requireLink(link);
-    // Made beside it and moved over it, so that the port always leads somewhere.
+    // Created under another name and renamed, so that the port is never without a link.
     const fs::path fresh = freshName(link);
     std::error_code error;
     fs::create_symlink(target.path, fresh, error);
@@ -136,7 +135,7 @@ void removeComLink(const Computer& computer, int number) {
     if (links.empty())
         throw Refusal(said(kNoLink, {std::to_string(number)}));
     std::for_each(links.begin(), links.end(), requireLink);
-    // The one that counts goes last: if the other has to stay, it must not take over.
+    // The one in effect goes last: if the other cannot be removed, it must not take over.
     std::reverse(links.begin(), links.end());
     for (const fs::path& link : links) {
         std::error_code error;

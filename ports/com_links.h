@@ -1,6 +1,6 @@
 /// The links com<n>, by which a COM port number stands for a device.
 ///
-/// They lie in the folder ports/ beside the programs, or beside the programs themselves. The one in ports/ comes first.
+/// They lie in the folder ports/ beside the programs, or beside the programs themselves; ports/ takes precedence.
 #pragma once
 
 #include "ports/computer.h"
@@ -12,36 +12,36 @@
 
 namespace ports {
 
-/// The programs offer COM1 to this one.
+/// The highest COM port number that the programs offer.
 inline constexpr int kMaxPorts = 16;
 
 struct ComLink {
     int number = 0;                 ///< n of com<n>
-    std::filesystem::path link;     ///< the link that counts
-    std::filesystem::path ignored;  ///< the one beside the programs, where it does not count; empty: there is none
-    std::filesystem::path target;   ///< what the link says
-    std::filesystem::path device;   ///< the file that it leads to; empty: there is none
+    std::filesystem::path link;     ///< the link in effect
+    std::filesystem::path ignored;  ///< one beside the programs that `link` overrides; empty: none
+    std::filesystem::path target;   ///< content of the link
+    std::filesystem::path device;   ///< the file that it resolves to; empty: none
 };
 
-/// What a new link says.
+/// Target of a new link.
 struct NewTarget {
     std::filesystem::path path;
-    bool isPlace = false;  ///< the place where the adapter is plugged in, since it shares its name with others
+    bool isPlace = false;  ///< names the USB socket, since the adapter's own name is not unique
 };
 
-/// A link could not be made or removed; says why in the user's language.
+/// A link could not be made or removed; what() says why, in the user's language.
 class Refusal : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// Where new links are made: ports/, or the programs' folder where that is missing.
+/// Where new links are made: ports/, or the programs' folder if that is missing.
 std::filesystem::path linkFolder(const Computer& computer);
 
-/// The links COM1 to COM16 that are there.
+/// The existing links, COM1 to COM16.
 std::vector<ComLink> comLinks(const Computer& computer);
 
-/// Makes com<number> a link to `device`, or to the stable name of that device, in the place of the link that was there.
+/// Points com<number> to `device`, or to its stable name, replacing an existing link.
 ///
 /// @param device  a serial device or pseudo-terminal: its name in /dev, or any path to it; a path in /dev/serial is
 ///                kept, unless several adapters share it

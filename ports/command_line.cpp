@@ -11,14 +11,14 @@ namespace ports {
 namespace {
 
 constexpr Text kHelp{R"(usage: dravolt-ports                  lists the serial devices and the COM links
-       dravolt-ports set N DEVICE     makes COM port N (1 to 16) this device
+       dravolt-ports set N DEVICE     assigns this device to COM port N (1 to 16)
        dravolt-ports remove N         removes the link of COM port N
        dravolt-ports --help           shows this
 
 COM port N is the link com<N> in the folder ports beside this program, or else beside the program itself, where
-dravolt looks for it. DEVICE is a name in /dev such as ttyUSB0, or a path. The link says the stable name of the
-adapter where it has one, so that it holds wherever the adapter is plugged in; for an adapter without a serial
-number of its own, it says the place.
+dravolt looks for it. DEVICE is a name in /dev such as ttyUSB0, or a path. The link points to the stable name of
+the adapter where it has one, so that it works wherever the adapter is plugged in; for an adapter without a serial
+number of its own, it points to the socket.
 
 Exit status: 0 done; 1 not done, or no device that you may open; 2 wrong arguments.
 )",
@@ -44,9 +44,9 @@ constexpr Text kIsPlace{
     "このアダプターには固有の製造番号がなく、同じ種類のアダプターと名前が重なります。そのため、リンクは接続位置を指しま"
     "す。"
     "必ず同じ USB 端子に接続してください。"};
-constexpr Text kIsRemoved{"COM%1 has no link any more.", "COM%1 のリンクを削除しました。"};
+constexpr Text kIsRemoved{"COM%1 no longer has a link.", "COM%1 のリンクを削除しました。"};
 
-/// @return 0: not the number of a COM port
+/// @return 0 if the text is not a COM port number
 int portNumber(const std::string& text) {
     int number = 0;
     const char* end = text.data() + text.size();

@@ -9,7 +9,7 @@
 
 namespace ports {
 
-/// Does what the arguments say.
+/// Runs the command that the arguments give.
 /// @return exit status: 0 done; 1 not done, or no device that this user may open; 2 wrong arguments
 int run(const Computer& computer, const std::vector<std::string>& arguments, Output& out, Output& error);
 

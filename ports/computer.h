@@ -1,4 +1,4 @@
-/// The computer whose ports are shown. Tests make one of their own.
+/// The computer whose ports are shown; tests set up their own.
 #pragma once
 
 #include <filesystem>
@@ -6,7 +6,7 @@
 namespace ports {
 
 struct Computer {
-    std::filesystem::path root = "/";  ///< what lies in sys, dev, proc and run below it is looked at
+    std::filesystem::path root = "/";  ///< sys, dev, proc and run are read below it
     std::filesystem::path folder;      ///< folder of the programs
 };
 

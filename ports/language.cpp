@@ -5,7 +5,7 @@
 
 namespace ports {
 
-/// From the variables and not through the C library, which knows only the locales that are installed.
+/// Reads the variables itself, since the C library knows only installed locales.
 static bool isJapanese() {
     for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"})
         if (const char* value = std::getenv(variable); value != nullptr && *value != '\0')

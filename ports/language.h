@@ -1,4 +1,4 @@
-/// What is said, in the user's language.
+/// The program's texts in the user's language.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 namespace ports {
 
-/// One text in both languages; %1, %2, … stand for what is put in.
+/// One text in both languages; %1, %2, … are replaced by the inserts.
 struct Text {
     const char* english;
     const char* japanese;

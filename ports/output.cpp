@@ -13,7 +13,7 @@ struct Range {
     char32_t last;
 };
 
-/// Controls, what is invisible or turns the direction of writing, and what is not a character.
+/// Control, invisible and direction characters, and code points that are not characters.
 // clang-format off
 constexpr Range kNotShown[] = {
     {0, 0x1F}, {0x7F, 0x9F}, {0xAD, 0xAD}, {0x61C, 0x61C}, {0x180E, 0x180E}, {0x200B, 0x200F},
@@ -22,7 +22,7 @@ constexpr Range kNotShown[] = {
 };
 // clang-format on
 
-/// The smallest character that needs so many bytes.
+/// The smallest character of each UTF-8 length; below it, the encoding is overlong.
 constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
 
 bool isShown(char32_t character) {
@@ -31,7 +31,7 @@ bool isShown(char32_t character) {
     });
 }
 
-/// Bytes of the character with this first byte; 0: none begins with it.
+/// Length of the UTF-8 sequence with this first byte; 0: not a first byte.
 std::size_t lengthFor(unsigned char first) {
     if (first < 0x80)
         return 1;
@@ -40,7 +40,7 @@ std::size_t lengthFor(unsigned char first) {
     return first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
 }
 
-/// Bytes of the character at the beginning of `text`; 0: there is none, or none to show.
+/// Length of the character at the beginning of `text`; 0: not valid, or to be escaped.
 std::size_t shownLength(std::string_view text) {
     const auto first = static_cast<unsigned char>(text[0]);
     const std::size_t length = lengthFor(first);

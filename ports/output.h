@@ -1,4 +1,4 @@
-/// What goes to the user's terminal. Everything that this program writes goes through here.
+/// Output to the user's terminal. Everything that this program writes goes through here.
 #pragma once
 
 #include "ports/language.h"
@@ -8,20 +8,20 @@
 
 namespace ports {
 
-/// Writes text in which names of others may stand: links, USB strings, processes, paths.
+/// Writes text that may contain untrusted names: of links, USB devices, processes and paths.
 ///
-/// What a terminal would obey instead of showing it is written as \x1b, byte by byte: control characters, line breaks
-/// too, invisible characters, such as those that turn the direction of writing, and what is not UTF-8.
+/// Control characters (line breaks too), invisible ones such as direction marks, and bytes that are not UTF-8 are
+/// escaped as \x1b, so that no name can control the terminal.
 class Output {
 public:
     explicit Output(std::ostream& stream) : stream_(stream) {}
 
     Output& operator<<(const std::string& text);
 
-    /// As it is: a line break of our own.
+    /// Unescaped, for line breaks of our own.
     Output& operator<<(char own);
 
-    /// As it is, with its line breaks, in the user's language.
+    /// A text of our own, unescaped, in the user's language.
     Output& operator<<(const Text& own);
 
 private:

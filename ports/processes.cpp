@@ -19,7 +19,7 @@ std::string nameOf(const fs::path& process) {
     return name;
 }
 
-/// The numbers of all processes.
+/// The PIDs of all processes.
 std::vector<int> processes(const fs::path& proc) {
     std::vector<int> numbers;
     std::error_code none;
@@ -41,7 +41,8 @@ bool hasOpen(const fs::path& process, const struct stat& device) {
     return false;
 }
 
-/// The processes that hold a lock on the file; a line of the list reads "1: FLOCK ADVISORY WRITE 1234 00:05:678 0 EOF".
+/// The processes that hold a lock on the file; a line of the list looks like "1: FLOCK ADVISORY WRITE 1234 00:05:678 0
+/// EOF".
 std::set<int> lockers(const fs::path& proc, const struct stat& file) {
     std::ostringstream place;
     place << std::hex;

@@ -1,4 +1,4 @@
-/// The programs that run, and which of them holds a device.
+/// The running processes, and which of them use a device.
 #pragma once
 
 #include "ports/computer.h"
@@ -14,13 +14,13 @@ struct Process {
     std::string name;  ///< as the kernel knows it, at most 15 characters
 };
 
-/// The programs that have the device open, or a lock on it, as far as this user can see.
+/// The processes that have the device open or locked, as far as this user can see.
 ///
-/// The open files of other users are hidden from anyone but root; locks are not. The device itself is not touched: to
-/// open it would move its modem lines.
+/// The open files of other users are hidden from anyone but root; locks are not. The device itself is not opened:
+/// that would toggle its modem lines.
 std::vector<Process> holdersOf(const Computer& computer, const std::filesystem::path& node);
 
-/// Whether a program of this name runs.
+/// Whether a program of this name is running.
 bool isRunning(const Computer& computer, const std::string& name);
 
 }  // namespace ports

@@ -21,7 +21,7 @@ constexpr Text kBuiltIn{"serial port of this computer", "本体のシリアル�
 constexpr Text kDriver{", driver %1", "、ドライバー %1"};
 constexpr Text kSerialNumber{", serial number %1", "、製造番号 %1"};
 constexpr Text kStableName{"stable name %1", "固定名 %1"};
-constexpr Text kPlace{"stable name %1, of the place: it has no serial number of its own",
+constexpr Text kPlace{"stable name %1, by socket: no serial number of its own",
                       "固定名 %1 (固有の製造番号がないため、接続位置の名前)"};
 constexpr Text kInUse{"in use by %1 (process %2)", "使用中: %1 (プロセス %2)"};
 constexpr Text kNotSeenInUse{"not in use, as far as user %1 can see",
@@ -50,7 +50,7 @@ constexpr Text kNotInGroup{
 constexpr Text kLoginAgain{"%1: you are in the group %2, but not yet in this session. Log out and in again.",
                            "%1: グループ %2 に追加されていますが、このセッションではまだ有効ではありません。"
                            "ログインし直してください。"};
-constexpr Text kDenied{"%1: %2 may not use it; ask whoever runs this computer.",
+constexpr Text kDenied{"%1: %2 may not use it; ask the administrator.",
                        "%1: ユーザー %2 は使用できません。管理者に相談してください。"};
 constexpr Text kModemManager{
     "ModemManager is running and may send modem commands to %1. Link it as a COM port, then unplug it and plug it in "
@@ -64,7 +64,7 @@ constexpr Text kBrltty{
     "点字サービス brltty が動作しています。一部のアダプターを点字ディスプレイとして占有します。"
     "アダプターが表示されない場合は \"sudo systemctl stop brltty\" で停止してください。"};
 
-/// Says what keeps the user from the file; nothing if nothing does.
+/// Adds the reason why this user may not use the file, if there is one.
 void explain(const fs::path& file, std::set<std::string>& missing) {
     const Access access = accessTo(file);
     switch (access.kind) {
@@ -83,7 +83,7 @@ void explain(const fs::path& file, std::set<std::string>& missing) {
 
 bool mayOpen(const SerialDevice& device) { return accessTo(device.node).kind == Access::Kind::granted; }
 
-/// The COM ports that the device is: by links, or as the one that a built-in port is without a link.
+/// The COM ports of the device: those linked to it, and a built-in port's own unless that has a link.
 std::string portsOf(const SerialDevice& device, const std::vector<ComLink>& links) {
     std::string ports;
     for (const ComLink& link : links)
@@ -143,7 +143,7 @@ std::set<std::string> missingFor(const Computer& computer, const std::vector<Ser
     const bool modemManager = isRunning(computer, "ModemManager");
     for (const SerialDevice& device : devices) {
         explain(device.node, missing);
-        // It leaves built-in ports alone.
+        // ModemManager leaves built-in ports alone.
         if (modemManager && !device.description.empty() && !device.keptFromModemManager)
             missing.insert(said(kModemManager, {device.node}));
     }

@@ -6,11 +6,11 @@
 
 namespace ports {
 
-/// Writes the list, and what keeps this user from working with a device.
+/// Writes the list, and what keeps this user from using a device.
 /// @return whether there is a device that this user may open
 bool report(const Computer& computer, Output& out);
 
-/// Writes why this user cannot make links in their folder; nothing if he can.
+/// Writes why this user cannot make links; nothing if they can.
 void explainFolder(const Computer& computer, Output& out);
 
 }  // namespace ports

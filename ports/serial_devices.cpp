@@ -11,7 +11,7 @@ namespace ports {
 
 namespace {
 
-/// The first line of a file of the kernel; empty if there is none.
+/// The first line of a file in sysfs; empty if there is none.
 std::string line(const fs::path& file) {
     std::ifstream stream(file);
     std::string text;
@@ -19,7 +19,7 @@ std::string line(const fs::path& file) {
     return text;
 }
 
-/// The folder itself or the nearest one above it that fulfils the condition; empty: none.
+/// The folder itself or its nearest parent that meets the condition; empty: none.
 template <typename Condition>
 fs::path nearest(fs::path folder, const fs::path& top, Condition condition) {
     for (; folder != top && folder.has_relative_path(); folder = folder.parent_path())
@@ -28,7 +28,7 @@ fs::path nearest(fs::path folder, const fs::path& top, Condition condition) {
     return {};
 }
 
-/// Newer kernels put a bus of their own between a built-in port and its driver.
+/// Newer kernels put an extra bus between a built-in port and its driver.
 bool hasDriver(const fs::path& folder) {
     std::error_code none;
     const fs::path driver = fs::read_symlink(folder / "driver", none);
@@ -44,14 +44,14 @@ void describe(SerialDevice& device, const fs::path& usb) {
     device.adapter = usb;
 }
 
-/// Whether the names in /dev/serial/by-id tell the number; udev leaves out a blank one, and one with such characters.
+/// Whether the names in /dev/serial/by-id contain the number; udev omits blank ones and ones with other characters.
 bool isInNames(const std::string& serialNumber) {
     return serialNumber.find_first_not_of(' ') != std::string::npos &&
            std::all_of(serialNumber.begin(), serialNumber.end(),
                        [](char c) { return c >= ' ' && c <= '~' && c != ','; });
 }
 
-/// Whether another adapter can have the same name in /dev/serial/by-id, which then leads to either of them.
+/// Whether another adapter can have the same name in /dev/serial/by-id, which may then point to either.
 bool sharesName(const SerialDevice& device, const std::vector<SerialDevice>& devices) {
     if (device.adapter.empty())
         return false;
@@ -62,7 +62,7 @@ bool sharesName(const SerialDevice& device, const std::vector<SerialDevice>& dev
            });
 }
 
-/// The link to `node` in a folder; the first of them in the order of names.
+/// The link to `node` in a folder; the first by name if there are several.
 fs::path linkTo(const fs::path& node, const fs::path& folder) {
     std::set<fs::path> links;
     std::error_code none;
@@ -72,14 +72,14 @@ fs::path linkTo(const fs::path& node, const fs::path& folder) {
     return links.empty() ? fs::path() : *links.begin();
 }
 
-/// The link to the device in /dev/serial, by the adapter's identity if it has one of its own, or else by its place.
+/// The link to the device in /dev/serial: by ID if the adapter's name is unique, else by path.
 fs::path stableName(const Computer& computer, const SerialDevice& device) {
     const fs::path serial = computer.root / "dev/serial";
     const fs::path byIdentity = device.sharesName ? fs::path() : linkTo(device.node, serial / "by-id");
     return byIdentity.empty() ? linkTo(device.node, serial / "by-path") : byIdentity;
 }
 
-/// Whether the device database says that ModemManager must not touch the device.
+/// Whether udev tells ModemManager to leave the device alone.
 bool isKeptFromModemManager(const fs::path& root, const std::string& number) {
     std::ifstream record(root / "run/udev/data" / ("c" + number));
     for (std::string entry; std::getline(record, entry);)
@@ -88,7 +88,7 @@ bool isKeptFromModemManager(const fs::path& root, const std::string& number) {
     return false;
 }
 
-/// Whether hardware is behind the name: the kernel keeps names ready for built-in ports that do not exist.
+/// Whether there is hardware: the kernel reserves names for built-in ports that do not exist.
 bool isReal(const fs::path& entry) {
     std::error_code none;
     return fs::exists(entry / "device", none) && line(entry / "type") != "0";

@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 namespace ports::test {
 
 /// A computer with a built-in port, one that exists in name only, and an adapter with two ports: the second, ttyUSB10,
-/// has a driver, a stable name and a real pseudo-terminal behind it.
+/// has a driver, a stable name and a real pseudo-terminal.
 class Ports : public ::testing::Test {
 protected:
     Ports() {
@@ -55,14 +55,14 @@ protected:
         ASSERT_EQ(std::system((prelude + script).c_str()), 0);
     }
 
-    /// Text without the computer's root in its paths.
+    /// The text with its paths relative to the computer's root.
     std::string shown(std::string text) const {
         for (auto at = text.find(root.string()); at != std::string::npos; at = text.find(root.string()))
             text.erase(at, root.string().size());
         return text;
     }
 
-    /// The first sentence of what is said, the exit status, and where COM3 leads then. All that is said is in `output`.
+    /// Runs the command; gives its first sentence, its exit status and the target of COM3. `output` has all of it.
     std::string run(const std::vector<std::string>& arguments) {
         std::ostringstream out;
         Output screen(out);
@@ -87,7 +87,7 @@ private:
     const int master_ = ::posix_openpt(O_RDWR | O_NOCTTY);
 };
 
-TEST_F(Ports, AreListedWithWhatMayDisturbThem) {
+TEST_F(Ports, AreListedWithUsersLinksAndProblems) {
     shell(R"(
         mkdir -p proc/4321 proc/17 proc/18 run/udev/data
         echo "1: FLOCK  ADVISORY  WRITE 4321 00:$(stat -Lc %D:%i dev/ttyUSB10) 0 EOF" >proc/locks
@@ -118,36 +118,37 @@ What is missing:
     EXPECT_EQ(run({}), "/programs の COM リンク: | 1 | ") << "no serial device";
 }
 
-TEST_F(Ports, ShowNamesWithoutWhatATerminalObeys) {
+TEST_F(Ports, EscapeControlCharactersInNames) {
     const std::pair<std::string, std::string> cases[] = {
-        // name, as it is shown
+        // name, shown as
         {"ポート–é😀", "ポート–é😀"},
         {"\x1b[2J\t\n\x7f", R"(\x1b[2J\x09\x0a\x7f)"},
         {"\u009b2J\x9b", R"(\xc2\x9b2J\x9b)"},
         {"a\u202e\u200bb\u2066", R"(a\xe2\x80\xae\xe2\x80\x8bb\xe2\x81\xa6)"},
-        {"\xc1\x81\xe0\x82\xa9\xf4\x90\x80\x80", R"(\xc1\x81\xe0\x82\xa9\xf4\x90\x80\x80)"},  // too long, too large
+        {"\xc1\x81\xe0\x82\xa9\xf4\x90\x80\x80",
+         R"(\xc1\x81\xe0\x82\xa9\xf4\x90\x80\x80)"},  // overlong, beyond Unicode
         {"\xe3\x83", R"(\xe3\x83)"},
     };
     for (const auto& [name, shown] : cases)
         EXPECT_EQ(run({"set", "3", name}), "dravolt-ports: /dev/" + shown + ": there is no such device | 1 | ");
 }
 
-TEST_F(Ports, AreLinkedByTheirStableNames) {
+TEST_F(Ports, AreLinkedByStableName) {
     shell("echo 'a file of the user' >programs/com4; mkdir -p programs/com3.new/in.the.way");
     EXPECT_EQ(run({"remove", "3"}), "dravolt-ports: COM3 has no link | 1 | ");
     EXPECT_EQ(run({"set", "3", "ttyUSB9"}), "COM3 is now /dev/ttyUSB9 | 0 | /dev/ttyUSB9");
     EXPECT_EQ(run({"set", "3", terminal}), "COM3 is now " + stable + " | 0 | " + stable);
     EXPECT_EQ(run({"set", "3", "ttyUSB7"}), "dravolt-ports: /dev/ttyUSB7: there is no such device | 1 | " + stable);
     EXPECT_EQ(run({"set", "3", "/dev/null"}), "dravolt-ports: /dev/null is not a serial port | 1 | " + stable);
-    const std::string isNoLink = "dravolt-ports: /programs/com4 is not a link; it is left unchanged | 1 | " + stable;
-    EXPECT_EQ(run({"set", "4", "ttyUSB9"}), isNoLink);
-    EXPECT_EQ(run({"remove", "4"}), isNoLink);
+    const std::string notALink = "dravolt-ports: /programs/com4 is not a link; it is left unchanged | 1 | " + stable;
+    EXPECT_EQ(run({"set", "4", "ttyUSB9"}), notALink);
+    EXPECT_EQ(run({"remove", "4"}), notALink);
     EXPECT_EQ(run({"set", "17", "ttyUSB9"}),
               "dravolt-ports: wrong arguments; see dravolt-ports --help | 2 | " + stable);
-    EXPECT_EQ(run({"remove", "3"}), "COM3 has no link any more. | 0 | ");
+    EXPECT_EQ(run({"remove", "3"}), "COM3 no longer has a link. | 0 | ");
 }
 
-TEST_F(Ports, AreLinkedByTheirPlaceWhereAnotherAdapterCanHaveTheName) {
+TEST_F(Ports, AreLinkedBySocketWhereNamesAreNotUnique) {
     shell(R"(
         for n in 1 2; do
             device ttyUSB$n sys/devices/usb2/2-$n/tty
@@ -158,7 +159,7 @@ TEST_F(Ports, AreLinkedByTheirPlaceWhereAnotherAdapterCanHaveTheName) {
     const std::string identity = "/dev/serial/by-id/usb-1a86-if00-port0";
     const std::string place = "/dev/serial/by-path/pci-0-usb-0:2:1.0-port0";
     const std::array<std::string, 3> cases[] = {
-        // serial number of the adapter, of another one of its kind, link
+        // serial number of the adapter, of another of its kind, link
         {"A6", "A5", identity}, {"A6", "", identity},    {"", "", place},       {"", "A5", place},
         {"  ", "A5", place},    {"0001", "0001", place}, {"A,6", "A,5", place},
     };
@@ -170,7 +171,7 @@ TEST_F(Ports, AreLinkedByTheirPlaceWhereAnotherAdapterCanHaveTheName) {
             EXPECT_EQ(says("no serial number of its own"), link == place) << output;
         }
         run({});
-        EXPECT_TRUE(says("stable name " + link + (link == place ? ", of the place" : "\n"))) << output;
+        EXPECT_TRUE(says("stable name " + link + (link == place ? ", by socket" : "\n"))) << output;
     }
 }
 
