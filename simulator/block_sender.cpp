@@ -30,7 +30,7 @@ Script BlockSender::take(std::uint8_t byte, Time now) {
     if (returnsToCommands(byte, now))
         return {};
     if (!astray_)
-        journal_.violation(now, "byte that does not answer a block: " + hexNumber(byte, 2));
+        journal_.violation(now, "unexpected answer to a block: " + hexNumber(byte, 2));
     astray_ = true;
     return {};
 }
@@ -44,7 +44,7 @@ void BlockSender::sent(Time now) {
 
 Script BlockSender::timeout(Time now) {
     if (state_ == State::starting) {
-        end("upload given up: the client does not start it", now);
+        end("upload given up: the client did not start it", now);
         return {};
     }
     return repeat("no answer", now);
@@ -70,7 +70,7 @@ Script BlockSender::refused(Time now) {
         return repeat("NAK", now);
     case State::ending:
         if (++eotAnswers_ > 1 && !unsure_)
-            journal_.violation(now, "NAK of a later EOT than the first");
+            journal_.violation(now, "NAK of an EOT after the first");
         return repeat("NAK", now);
     }
     return {};

@@ -1,4 +1,4 @@
-/// Sends a firmware image by XMODEM with one-byte sums. The client starts it with a NAK, acknowledges every block,
+/// Sends a firmware image by XMODEM with 8-bit checksums. The client starts it with NAK, acknowledges every block, and
 /// answers the first EOT with NAK and the second with ACK.
 #pragma once
 
@@ -15,8 +15,8 @@ namespace units {
 
 class BlockSender final : public XmodemUnit {
 public:
-    /// Sends the first `blocks` blocks of the image, 1..1920. `unsure`: a fault kept the client from knowing that the
-    /// upload has started.
+    /// Sends the first `blocks` blocks of the image, 1..1920. `unsure`: because of a fault the client may not
+    /// know that the upload has started.
     BlockSender(Bytes image, unsigned blocks, bool unsure, FaultBook& faults, Journal& journal, const Timing& timing);
 
     Script begin(Time now) override;
@@ -40,11 +40,11 @@ private:
     unsigned blocks_;
 
     State state_ = State::starting;
-    unsigned block_ = 0;       ///< number of the block being sent, from 1
-    unsigned repeats_ = 0;     ///< of the present block or EOT
+    unsigned block_ = 0;       ///< number of the current block, from 1
+    unsigned repeats_ = 0;     ///< of the current block or EOT
     unsigned eots_ = 0;        ///< EOTs sent
     unsigned eotAnswers_ = 0;  ///< answers to them
-    bool astray_ = false;      ///< the bytes that come are known to be no answers
+    bool astray_ = false;      ///< incoming bytes are known not to be answers
 };
 
 }  // namespace units

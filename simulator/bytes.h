@@ -1,4 +1,4 @@
-/// Bytes, and how they are written down.
+/// Bytes and their hexadecimal notation.
 #pragma once
 
 #include <cstdint>
@@ -15,13 +15,13 @@ using Bytes = std::vector<std::uint8_t>;
 /// The characters of a text as bytes.
 Bytes bytesOf(std::string_view text);
 
-/// Bytes as upper-case hexadecimal pairs, separated by blanks: "02 30 37".
+/// Bytes as upper-case hexadecimal pairs, separated by spaces: "02 30 37".
 std::string hexDump(std::span<const std::uint8_t> bytes);
 
-/// The lowest `digits` hexadecimal digits of a number, upper case, leading zeros kept.
+/// The lowest `digits` hexadecimal digits of a number, upper case, with leading zeros.
 std::string hexNumber(unsigned value, unsigned digits);
 
-/// Bytes written as hexadecimal pairs without separators; nothing if the text is not of that form.
+/// Reads hexadecimal pairs without separators; nothing if the text is anything else.
 std::optional<Bytes> parseHex(std::string_view text);
 
 /// Printable characters as they are, all others as \xNN.

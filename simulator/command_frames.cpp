@@ -35,7 +35,7 @@ RequestParser::Result RequestParser::silence() {
     state_ = State::outside;
     if (!brokenOff)
         return {};
-    return {std::nullopt, "request broken off after " + std::to_string(frame_.size()) + " bytes: " + hexDump(frame_)};
+    return {std::nullopt, "request incomplete after " + std::to_string(frame_.size()) + " bytes: " + hexDump(frame_)};
 }
 
 RequestParser::Result RequestParser::begin(std::uint8_t byte) {
@@ -51,11 +51,11 @@ RequestParser::Result RequestParser::add(std::uint8_t byte) {
     const std::size_t position = frame_.size() - 2;
     if (position < kHeader.size()) {
         if (byte != static_cast<std::uint8_t>(kHeader[position]))
-            return refuse("wrong header of a request: " + hexDump(frame_));
+            return refuse("wrong request header: " + hexDump(frame_));
     } else if (byte == kEtx) {
         state_ = State::check;
     } else if (!isCommandCharacter(byte)) {
-        return refuse("byte that is not a command character: " + hexDump(frame_));
+        return refuse("invalid character in a command: " + hexDump(frame_));
     } else if (position >= kHeader.size() + kMaxCommand) {
         return refuse("request too long: " + hexDump(frame_));
     }

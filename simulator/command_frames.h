@@ -1,4 +1,4 @@
-/// The frames of commands: requests are taken apart, replies put together.
+/// Command frames: parses requests, builds replies.
 #pragma once
 
 #include "simulator/bytes.h"
@@ -9,8 +9,8 @@
 
 namespace units {
 
-/// Takes request frames apart: STX, node "00", sub-address "00", service "0", command text, ETX, check byte. Eats one
-/// byte at a time; after a breach of the format it looks for the next STX.
+/// Parses request frames: STX, node "00", sub-address "00", service "0", command text, ETX, check byte. Takes one
+/// byte at a time; after a format error it looks for the next STX.
 class RequestParser {
 public:
     static constexpr std::size_t kMaxCommand = 32;
@@ -18,21 +18,21 @@ public:
     /// What a byte completed. At most one of the two is set.
     struct Result {
         std::optional<std::string> command;    ///< text of a well-formed frame
-        std::optional<std::string> violation;  ///< how the format was broken
+        std::optional<std::string> violation;  ///< what was wrong with the frame
     };
 
     Result take(std::uint8_t byte);
 
-    /// The line has been silent for too long. Reports a frame that was broken off.
+    /// The line has been silent for too long. Reports an incomplete frame.
     Result silence();
 
-    /// Whether bytes of a frame have come, but not all.
+    /// Whether a frame has begun but is not complete.
     bool inFrame() const { return state_ == State::inside || state_ == State::check; }
 
     /// Whether silence() would change anything.
     bool waits() const { return state_ != State::outside; }
 
-    /// The bytes of the frame last begun, including those of a completed one.
+    /// The bytes of the last frame, complete or not.
     const Bytes& frame() const { return frame_; }
 
 private:
@@ -49,7 +49,7 @@ private:
 
 /// The content of a reply frame.
 struct Reply {
-    std::string endCode = "00";     ///< 2 characters: "00" normal, "0F" command error, others failure of the frame
+    std::string endCode = "00";     ///< 2 characters: "00" normal, "0F" command error, others frame errors
     std::string command;            ///< 4 characters, echoed from the request
     std::string response = "0000";  ///< 4 characters
     Bytes data{};

@@ -60,7 +60,8 @@ void text(CommandLine& line, const std::string& value) {
 }
 
 constexpr OptionInfo kOptions[] = {
-    {"--help", "", "shows this", [](CommandLine& line, const std::string&) { line.task = CommandLine::Task::help; }},
+    {"--help", "", "shows this help",
+     [](CommandLine& line, const std::string&) { line.task = CommandLine::Task::help; }},
 
     {"--model", "NAME", "model name of the interface unit, up to 16 characters (SV-IFU16)", text<&Options::model>},
     {"--status", "XX", "status of the interface unit; 01: faulty connection (00)", text<&Options::status>},
@@ -69,12 +70,13 @@ constexpr OptionInfo kOptions[] = {
     {"--kind", "N", "kind of the amplifier (0x0A)",
      [](CommandLine& line, const std::string& value) { line.options.kind = number<std::uint8_t>(value); }},
 
-    {"--firmware-amplifier", "FILE", "image in the amplifier at the start",
+    {"--firmware-amplifier", "FILE", "initial image of the amplifier",
      [](CommandLine& line, const std::string& value) { line.options.amplifierFirmware = loadImage(value); }},
-    {"--firmware-interface", "FILE", "image in the interface unit at the start",
+    {"--firmware-interface", "FILE", "initial image of the interface unit",
      [](CommandLine& line, const std::string& value) { line.options.interfaceFirmware = loadImage(value); }},
-    {"--save-amplifier", "FILE", "keeps the amplifier's present image in the file", text<&Options::saveAmplifier>},
-    {"--save-interface", "FILE", "keeps the interface unit's present image in the file", text<&Options::saveInterface>},
+    {"--save-amplifier", "FILE", "file that is kept equal to the amplifier's image", text<&Options::saveAmplifier>},
+    {"--save-interface", "FILE", "file that is kept equal to the interface unit's image",
+     text<&Options::saveInterface>},
     {"--amplifier-check", "MODE", "packets to the amplifier are checked by crc or sum (crc)",
      [](CommandLine& line, const std::string& value) { line.options.amplifierCheck = checkMode(value); }},
     {"--interface-check", "MODE", "packets to the interface unit are checked by crc or sum (sum)",
@@ -84,9 +86,9 @@ constexpr OptionInfo kOptions[] = {
          line.options.uploadBlocks = number<unsigned>(value, 1, kImageBlocks);
      }},
 
-    {"--rate", "BITS", "paces the line like a UART with ten bits a byte; 0: unlimited (0)",
+    {"--rate", "BITS", "paces the line like a UART, ten bits per byte; 0: unlimited (0)",
      [](CommandLine& line, const std::string& value) { line.options.rate = number<unsigned>(value, 0, 10000000); }},
-    {"--answer-latency", "MS", "holds back every answer (0)",
+    {"--answer-latency", "MS", "delays every answer by this many milliseconds (0)",
      [](CommandLine& line, const std::string& value) {
          line.options.answerLatency = std::chrono::milliseconds(number<unsigned>(value));
      }},
@@ -94,15 +96,15 @@ constexpr OptionInfo kOptions[] = {
      [](CommandLine& line, const std::string& value) { line.options.lineState = lineState(value); }},
     {"--expect-speed", "BITS", "checks that the client has set the port to this speed, 8N1, raw; 0: no check (0)",
      [](CommandLine& line, const std::string& value) { line.options.expectSpeed = number<unsigned>(value); }},
-    {"--link", "PATH", "symbolic link to the port, replaces only another link, goes with the port",
+    {"--link", "PATH", "symbolic link to the port; replaces only another link, removed at the end",
      text<&Options::link>},
 
-    {"--fault", "FAULT", "a fault to show, see below; may be given several times",
+    {"--fault", "FAULT", "fault to simulate, see below; may be repeated",
      [](CommandLine& line, const std::string& value) {
          parseFault(value);
          line.options.faults.push_back(value);
      }},
-    {"--journal", "FILE", "writes down what happens", text<&Options::journal>},
+    {"--journal", "FILE", "log of what happens", text<&Options::journal>},
 
     {"--receiver", "COMMAND", "shell command that takes downloads in place of the unit", text<&Options::receiver>},
     {"--sender", "COMMAND", "shell command that sends uploads in place of the unit", text<&Options::sender>},
@@ -111,7 +113,7 @@ constexpr OptionInfo kOptions[] = {
     {"--expect", "FILE", "with --receive-only: the image must equal this one",
      [](CommandLine& line, const std::string& value) { line.expect = value; }},
 
-    {"--make-image", "FILE", "writes a sample image and ends",
+    {"--make-image", "FILE", "writes a sample image and exits",
      [](CommandLine& line, const std::string& value) {
          line.task = CommandLine::Task::makeImage;
          line.imageFile = value;
@@ -157,7 +159,7 @@ std::string commandLineHelp() {
     std::string text =
         "dravolt-units [OPTION]...\n\n"
         "Acts as an interface unit with a sensor amplifier on a pseudo-terminal until SIGINT, SIGTERM or SIGHUP.\n"
-        "Exit status: 0 the client was faultless, 1 it was not, 2 the options or files are wrong.\n\n"
+        "Exit status: 0 the client made no error, 1 it did, 2 the options or files are wrong.\n\n"
         "Options:\n";
     for (const OptionInfo& option : kOptions) {
         std::string name = std::string(option.name) + " " + std::string(option.value);

@@ -1,4 +1,4 @@
-/// What dravolt-units is asked to do.
+/// The command line of dravolt-units.
 #pragma once
 
 #include "simulator/options.h"
@@ -15,7 +15,7 @@ struct CommandLine {
 
     Task task = Task::simulate;
     Options options;
-    std::string expect;     ///< receive only: file the image must equal; empty: none
+    std::string expect;     ///< with receive-only: file that the image must match; empty: none
     std::string imageFile;  ///< make image
     std::string typeKey;
     std::uint16_t version = 1000;
@@ -23,7 +23,7 @@ struct CommandLine {
 };
 
 /// Reads the arguments after the program's name and the firmware files they name.
-/// @throws std::invalid_argument  the arguments make no sense; says why
+/// @throws std::invalid_argument  the arguments are wrong; says why
 /// @throws std::runtime_error     a file cannot be read
 CommandLine parseCommandLine(std::span<const std::string> arguments);
 

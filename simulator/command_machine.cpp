@@ -51,7 +51,7 @@ Script CommandMachine::begin(Time) {
 }
 
 Script CommandMachine::take(std::uint8_t byte, Time now) {
-    // Whoever cancels a transfer sends more CANs than it takes; the rest of them arrives here.
+    // A client that cancels sends more CANs than needed; the rest arrive here.
     if (byte == kCan && cancelMayFollow_ && !parser_.waits())
         return {};
     lastByte_ = now;
@@ -83,7 +83,7 @@ Script CommandMachine::answer(const std::string& command, Time now) {
     if (silent || command.size() < kCodeSize)
         return {};
     falsify(reply, faults);
-    // Who asks again before a late answer has come takes that one for the answer to this.
+    // A client that repeats a request before a late answer takes that for the answer to the repeat.
     const bool answersLate = now < answered_;
     if (transfer_)
         startUnsure_ = transfer_->unsure = !faults.empty() || answersLate;
@@ -113,7 +113,7 @@ Reply CommandMachine::execute(const std::string& command, bool obey, Time now) {
 
 Reply CommandMachine::operate(const Operation& operation, Reply reply, bool obey, Time now) {
     if (const auto reason = operations_.request(operation)) {
-        // The client does not know that its first attempt has been carried out.
+        // The client does not know that its first attempt was carried out.
         if (startUnsure_)
             return refusal(std::move(reply), kOutOfOrder);
         return refuse(std::move(reply), kOutOfOrder, *reason, now);

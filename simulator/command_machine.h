@@ -1,4 +1,4 @@
-/// The units between transfers: they answer commands.
+/// The units between transfers, answering commands.
 #pragma once
 
 #include "simulator/command_frames.h"
@@ -15,14 +15,14 @@
 
 namespace units {
 
-/// A download or upload that a request has started.
+/// A download or upload started by a request.
 struct Transfer {
     bool isDownload;
     Unit unit;
-    bool unsure;  ///< a fault kept the client from knowing that it has started
+    bool unsure;  ///< because of a fault the client may not know that it has started
 };
 
-/// Answers requests until one of them starts a transfer, and again when that has ended.
+/// Answers requests until one of them starts a transfer, and again when that is over.
 class CommandMachine final : public Machine {
 public:
     CommandMachine(const Devices& devices, FaultBook& faults, Journal& journal, const Timing& timing)
@@ -52,7 +52,7 @@ private:
     Operations operations_;
     std::optional<Transfer> transfer_;
     bool cancelMayFollow_ = false;
-    bool startUnsure_ = false;  ///< the last start of a transfer was carried out, but not answered as it should be
+    bool startUnsure_ = false;  ///< the last start of a transfer was carried out but not answered properly
     Time lastByte_{0};
     Time answered_{0};  ///< when the last answer was complete
 };

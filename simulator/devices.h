@@ -1,4 +1,4 @@
-/// What the two units are and which firmware they run. Safe to use from several threads.
+/// The two units' identity and firmware. Thread-safe.
 #pragma once
 
 #include "simulator/bytes.h"
@@ -14,7 +14,7 @@ namespace units {
 class Devices {
 public:
     /// @throws std::invalid_argument  an option is out of range
-    /// @throws std::runtime_error     a file that is to follow the firmware cannot be written
+    /// @throws std::runtime_error     a file to save the firmware to cannot be written
     explicit Devices(const Options& options);
 
     /// Model name padded to 16 characters, then "V" and the version.
@@ -29,7 +29,7 @@ public:
 
     Bytes firmware(Unit unit) const;
 
-    /// Puts a new image of kImageSize bytes into a unit, which from then on shows its version.
+    /// Installs an image of kImageSize bytes in a unit, which reports its version from then on.
     void install(Unit unit, Bytes image);
 
 private:

@@ -22,15 +22,15 @@ namespace {
 
 constexpr std::size_t kReadLimit = 4096;
 
-/// Bytes kept before their time has come; the client's driver keeps the rest.
+/// Limit of the bytes queued here; the client's driver holds the rest.
 constexpr std::size_t kPacedReadLimit = 256;
 
-/// Waking up takes longer only if the machine is busy, and then one time says nothing about the next.
+/// Waking up takes longer only on a busy machine, where one delay does not predict the next.
 constexpr Time kUsualLateness = std::chrono::microseconds(250);
 
 Time byteTime(unsigned rate) { return rate == 0 ? Time{0} : Time(std::chrono::seconds(10)) / rate; }
 
-/// Writes to a program that has ended are to fail, not to end this one.
+/// A write to a program that has ended must fail, not end this one.
 void blockBrokenPipeSignal() {
     sigset_t signals;
     sigemptyset(&signals);
@@ -102,10 +102,10 @@ bool Engine::advance() {
     const auto deadline = machine_->deadline();
     if (!deadline || *deadline > time)
         return false;
-    // The client must not suffer for this program having been late to look.
+    // The client is not to blame if this program was late to look.
     if (receive())
         return true;
-    // What is sent unasked may cross with what the client has just begun to send.
+    // What a unit sends unasked may cross with what the client is sending.
     Script script = machine_->timeout(time);
     script.excusesEarlyBytes = true;
     play(std::move(script), time);
@@ -134,14 +134,14 @@ bool Engine::receive() {
 void Engine::judgeEarlyBytes() {
     if (earlyBytesExcused_ || arrivals_.empty())
         return;
-    // A cancellation need not wait for an answer.
+    // A CAN need not wait for an answer.
     if (arrivals_.front().byte == kCan && (arrivals_.size() == 1 || arrivals_[1].byte == kCan))
         return;
     Bytes bytes;
     for (; !arrivals_.empty(); arrivals_.pop())
         bytes.push_back(arrivals_.front().byte);
     const std::size_t shown = std::min<std::size_t>(bytes.size(), 8);
-    journal_.violation(now(), std::to_string(bytes.size()) + " bytes before the answer was complete, not heard: " +
+    journal_.violation(now(), std::to_string(bytes.size()) + " bytes before the answer was complete, ignored: " +
                                   hexDump(std::span(bytes).first(shown)) + (shown < bytes.size() ? " ..." : ""));
 }
 
@@ -174,7 +174,7 @@ bool Engine::transmit(Time time) {
     blocked_ = count < portion.bytes.size();
     transmitter_.written(count, now());
     if (!blocked_ && portion.floodUntil == Time{0}) {
-        // To be woken by the client's next bytes is going to take about as long as it took to be woken by the clock.
+        // Waking up for the client's next bytes will take about as long as waking up for the clock did.
         arrivals_.forgive(now() - due + std::min(wakeLateness_, kUsualLateness));
         endScript(portion.ending, now());
     }

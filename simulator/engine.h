@@ -1,5 +1,4 @@
-/// Connects the machines with the port and the clock. run() belongs to one thread; everything else may be called from
-/// any.
+/// Connects the machines to the port and the clock. Only run() is bound to one thread.
 #pragma once
 
 #include "simulator/command_machine.h"
@@ -24,7 +23,7 @@ namespace units {
 class Engine {
 public:
     /// Opens the port.
-    /// @throws std::system_error  that fails
+    /// @throws std::system_error  the port cannot be opened
     Engine(const Options& options, Devices& devices, FaultBook& faults, Journal& journal);
     ~Engine();
     Engine(const Engine&) = delete;

@@ -11,7 +11,7 @@ namespace units {
 
 namespace {
 
-/// What has to follow the colon of a fault.
+/// What must follow the colon of a fault.
 enum class FaultValue { none, number, byte, numberAndPause, hex, code2, code4, data };
 
 /// One line of the table of kinds.
@@ -35,9 +35,9 @@ constexpr std::initializer_list<PlaceKind> kHalves = {command, packet, block};
 constexpr std::initializer_list<PlaceKind> kBlocks = {block};
 
 constexpr FaultKindInfo kKinds[] = {
-    {FaultKind::silence, "silence", FaultValue::none, kRequests, "neither obeyed nor answered"},
-    {FaultKind::lost, "lost", FaultValue::none, kEverywhere, "obeyed, but the answer (or block) is not sent"},
-    {FaultKind::mute, "mute", FaultValue::none, kEverywhere, "nothing is sent or heard from here on"},
+    {FaultKind::silence, "silence", FaultValue::none, kRequests, "neither carried out nor answered"},
+    {FaultKind::lost, "lost", FaultValue::none, kEverywhere, "carried out, but the answer (or block) is not sent"},
+    {FaultKind::mute, "mute", FaultValue::none, kEverywhere, "nothing is sent or received from here on"},
     {FaultKind::delay, "delay", FaultValue::number, kEverywhere, "MS: sent this many milliseconds late"},
     {FaultKind::cut, "cut", FaultValue::number, kLong, "N: stops after N bytes"},
     {FaultKind::split, "split", FaultValue::number, kLong, "MS: byte by byte, with this gap in milliseconds"},
@@ -45,22 +45,23 @@ constexpr FaultKindInfo kKinds[] = {
      "N[,MS]: in two parts, the first of N bytes, with this gap (100)"},
     {FaultKind::repeat, "repeat", FaultValue::none, kEverywhere, "sent twice"},
     {FaultKind::noise, "noise", FaultValue::hex, kEverywhere, "HEX: these bytes are sent first"},
-    {FaultKind::flood, "flood", FaultValue::number, kEverywhere, "MS: bytes 55 without pause for this time first"},
-    {FaultKind::answer, "answer", FaultValue::hex, kEverywhere, "HEX: obeyed, but these bytes are sent instead"},
+    {FaultKind::flood, "flood", FaultValue::number, kEverywhere, "MS: a stream of bytes 55 for this time first"},
+    {FaultKind::answer, "answer", FaultValue::hex, kEverywhere, "HEX: carried out, but these bytes are sent instead"},
     {FaultKind::can, "can", FaultValue::number, kTransfer,
-     "N: not obeyed, N bytes CAN instead; two or more end the transfer"},
-    {FaultKind::nak, "nak", FaultValue::none, kDownload, "not obeyed, answered with NAK"},
+     "N: not carried out, N CAN bytes instead; two or more end the transfer"},
+    {FaultKind::nak, "nak", FaultValue::none, kDownload, "not carried out, answered with NAK"},
     {FaultKind::bcc, "bcc", FaultValue::none, kLong, "the check byte is wrong"},
     {FaultKind::garble, "garble", FaultValue::none, kLong, "a byte in the middle is damaged"},
     {FaultKind::number, "number", FaultValue::byte, kBlocks, "N: sent under this number, 0..255"},
-    {FaultKind::endcode, "endcode", FaultValue::code2, kFrames, "XX: not obeyed, the reply has this end code"},
+    {FaultKind::endcode, "endcode", FaultValue::code2, kFrames, "XX: not carried out, the reply has this end code"},
     {FaultKind::response, "response", FaultValue::code4, kFrames,
      "XXXX: refused with end code 0F and this response code, no data"},
-    {FaultKind::data, "data", FaultValue::data, kFrames, "TEXT or 0xHEX: obeyed, the reply has this data"},
-    {FaultKind::unplug, "unplug", FaultValue::none, kEverywhere, "the port goes before the answer, nothing is obeyed"},
+    {FaultKind::data, "data", FaultValue::data, kFrames, "TEXT or 0xHEX: carried out, the reply has this data"},
+    {FaultKind::unplug, "unplug", FaultValue::none, kEverywhere,
+     "the port disappears before the answer, nothing is carried out"},
     {FaultKind::unplugin, "unplugin", FaultValue::none, kHalves,
-     "the port goes in the middle of the reply, packet or block"},
-    {FaultKind::unplugafter, "unplugafter", FaultValue::none, kEverywhere, "the port goes after the answer"},
+     "the port disappears in the middle of the reply, packet or block"},
+    {FaultKind::unplugafter, "unplugafter", FaultValue::none, kEverywhere, "the port disappears after the answer"},
 };
 
 constexpr unsigned kDefaultSplitPause = 100;
@@ -74,8 +75,8 @@ struct PlaceName {
 
 constexpr PlaceName kPlaceNames[] = {
     {"start", PlaceKind::start, false, "a start character of a download"},
-    {"packet", PlaceKind::packet, true, "the arrival of packet N of a download, 1..1920; without N: of any"},
-    {"block", PlaceKind::block, true, "the sending of block N of an upload, 1..1920; without N: of any"},
+    {"packet", PlaceKind::packet, true, "the arrival of packet N of a download, 1..1920; without N: any packet"},
+    {"block", PlaceKind::block, true, "the sending of block N of an upload, 1..1920; without N: any block"},
     {"eot", PlaceKind::eot, false, "the arrival of the end of a download"},
     {"eot", PlaceKind::uploadEot, true, "the N-th sending of the end of an upload"},
 };
@@ -98,7 +99,7 @@ bool isCommandText(std::string_view text) {
     });
 }
 
-/// Splits off what follows the last `mark`; empty if there is no mark.
+/// Splits off what follows the last `mark`; empty if there is none.
 std::optional<std::string_view> splitOff(std::string_view& text, char mark) {
     const std::size_t at = text.rfind(mark);
     if (at == std::string_view::npos)
@@ -229,8 +230,8 @@ bool matches(const Place& pattern, const Place& place) {
 std::string faultHelp() {
     std::string text =
         "A fault is KIND[:VALUE]@PLACE[#K][*TIMES]: it happens TIMES times in a row (1; 'all': always),\n"
-        "starting at the K-th occurrence (1) of the place. Faults at one place add up.\n\nPlaces:\n"
-        "  0501, 300551, ...  a request whose command text begins so\n";
+        "starting at the K-th occurrence (1) of the place. Faults at one place are combined.\n\nPlaces:\n"
+        "  0501, 300551, ...  a request whose command text begins with this\n";
     for (const PlaceName& place : kPlaceNames) {
         std::string name = std::string(place.name) + (place.numbered ? "N" : "");
         name.resize(19, ' ');

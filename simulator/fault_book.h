@@ -1,4 +1,4 @@
-/// When a fault is due.
+/// Keeps track of when each fault is due.
 #pragma once
 
 #include "simulator/fault.h"
@@ -21,20 +21,20 @@ public:
     /// The first fault of a kind, or null.
     const Fault* find(FaultKind kind) const;
 
-    /// Whether the client may afterwards be an answer ahead or behind through no fault of its own.
+    /// Whether they can leave the client one answer ahead or behind.
     bool upsetOrder() const;
 
     auto begin() const { return faults_.begin(); }
     auto end() const { return faults_.end(); }
 
-    /// The faults as they were written, for the journal.
+    /// The faults as given, for the journal.
     std::string text() const;
 
 private:
     std::vector<Fault> faults_;
 };
 
-/// Keeps count of when each fault is due. Safe to use from several threads.
+/// Counts the occurrences of each fault's place. Thread-safe.
 class FaultBook {
 public:
     /// @throws std::invalid_argument  a fault cannot be read
@@ -44,7 +44,7 @@ public:
     /// @return the faults that are due at it
     ActiveFaults occur(const Place& place);
 
-    /// The faults that have not happened so far, as they were written.
+    /// The faults that have not happened yet, as given.
     std::vector<std::string> unused() const;
 
 private:

@@ -1,5 +1,4 @@
-/// What happened, one line an event: milliseconds since the start, direction, meaning. Safe to use from several
-/// threads.
+/// Log of what happened, one line per event: milliseconds since the start, direction, meaning. Thread-safe.
 #pragma once
 
 #include "simulator/options.h"
@@ -23,7 +22,7 @@ public:
     void sent(Time at, std::string_view meaning, std::span<const std::uint8_t> bytes = {});
     void note(Time at, std::string_view meaning);
 
-    /// The client broke the format or the order of the conversation.
+    /// The client violated the format or the order of the conversation.
     void violation(Time at, std::string_view meaning);
 
     /// A well-formed request came; its command text is kept in requests().

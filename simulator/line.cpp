@@ -8,7 +8,7 @@ namespace {
 
 constexpr Time kMaxForgiven = std::chrono::milliseconds(100);
 
-/// Bytes the client sees at once on a line with a rate.
+/// Bytes that the client sees at a time on a line with a rate.
 constexpr std::size_t kPortionSize = 16;
 
 constexpr std::uint8_t kFloodByte = 0x55;

@@ -1,5 +1,4 @@
-/// The two ways of the line: what comes from the client, and what goes to it. On a line with a rate each byte takes its
-/// time.
+/// The two directions of the line. With a rate, each byte takes its time.
 #pragma once
 
 #include "simulator/bytes.h"
@@ -13,7 +12,7 @@
 
 namespace units {
 
-/// Bytes on their way from the client to the units. On a line with a rate each one takes its time.
+/// Bytes on their way from the client to the units.
 class Arrivals {
 public:
     struct Arrival {
@@ -24,8 +23,8 @@ public:
     /// `byteTime`: duration of a byte, 0 on an unlimited line.
     explicit Arrivals(Time byteTime) : byteTime_(byteTime) {}
 
-    /// The client was made to wait, or its next bytes are going to be noticed, this much too late. They are counted as
-    /// that much earlier, up to a tenth of a second, so that the delays of this program do not add up.
+    /// This program made the client wait, or will notice its next bytes, this much too late. They are counted as that
+    /// much earlier, up to a tenth of a second, so that its own delays do not add up.
     void forgive(Time lateness);
 
     /// Bytes the client put on the line by now.
@@ -46,21 +45,21 @@ private:
     std::deque<Arrival> queue_;
 };
 
-/// Turns scripts into portions of bytes with the moments at which the client may see them.
+/// Splits scripts into portions of bytes, each with the time at which the client may see it.
 class Transmitter {
 public:
     /// Bytes to be written at once, and what to do after them.
     struct Portion {
-        Time due;  ///< when the last bit of the portion is out
+        Time due;  ///< when its last bit is out
         Bytes bytes;
-        Time floodUntil;  ///< the portion is written again and again until then; 0: once
+        Time floodUntil;  ///< the portion is repeated until then; 0: written once
         Step::Ending ending;
     };
 
     /// `byteTime`: duration of a byte, 0 on an unlimited line.
     explicit Transmitter(Time byteTime) : byteTime_(byteTime) {}
 
-    /// Sends a script from a moment on. Not while busy().
+    /// Starts sending a script at `from`. Not while busy().
     void load(const Script& script, Time from);
 
     bool busy() const { return !portions_.empty(); }
@@ -71,8 +70,8 @@ public:
     /// Only while busy().
     const Portion& front() const { return portions_.front(); }
 
-    /// The first `count` bytes of the front portion have been written. A portion that is complete goes, unless it
-    /// is a flood that lasts.
+    /// The first `count` bytes of the front portion have been written. A complete portion is removed,
+    /// unless it is a flood that goes on.
     void written(std::size_t count, Time now);
 
     /// Drops everything.

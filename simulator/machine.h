@@ -1,6 +1,6 @@
 /// One way the units behave on the line: answering commands, taking a download, sending an upload. A machine does no
-/// input or output and has no clock of its own: it is told what came and when, and returns what to send. While a script
-/// is being sent it is told nothing.
+/// I/O and has no clock: it is told what came and when, and returns what to send. While a script is being sent, it is
+/// told nothing.
 #pragma once
 
 #include "simulator/options.h"
@@ -15,7 +15,7 @@ class Machine {
 public:
     virtual ~Machine() = default;
 
-    /// The machine has the line now.
+    /// The machine takes over the line.
     virtual Script begin(Time now) = 0;
 
     /// A byte came.
@@ -24,7 +24,7 @@ public:
     /// The last script has been sent.
     virtual void sent(Time now) = 0;
 
-    /// The moment of the deadline has passed.
+    /// The deadline has passed.
     virtual Script timeout(Time now) = 0;
 
     virtual std::optional<Time> deadline() const = 0;
@@ -32,10 +32,10 @@ public:
     /// The machine gives the line back.
     virtual bool over() const = 0;
 
-    /// The byte that ended the machine but is meant for its successor.
+    /// The byte that ended this machine but belongs to its successor.
     virtual std::optional<std::uint8_t> handedBack() const { return std::nullopt; }
 
-    /// A file descriptor that produces output for the line by itself, or -1.
+    /// A file descriptor with output for the line, or -1.
     virtual int descriptor() const { return -1; }
 
     /// The descriptor has become readable.

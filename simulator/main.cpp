@@ -24,13 +24,13 @@ bool isIgnored(int signal) {
     return action.sa_handler == SIG_IGN;
 }
 
-/// Blocks the signals that end the program, for this thread and those it starts.
+/// Blocks the signals that end the program, in this thread and those it starts.
 sigset_t blockEndSignals() {
     sigset_t signals;
     sigemptyset(&signals);
     for (const int signal : {SIGINT, SIGTERM, SIGPIPE})
         sigaddset(&signals, signal);
-    // Under nohup it stays ignored; a blocked signal would be seen all the same.
+    // nohup ignores SIGHUP; once blocked, it would end the wait all the same.
     if (!isIgnored(SIGHUP))
         sigaddset(&signals, SIGHUP);
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
@@ -52,7 +52,7 @@ bool imageArrived(const units::Simulator& simulator, const units::CommandLine& l
     std::printf("received: %zu bytes in %.3f s\n", units::kImageSize, std::chrono::duration<double>(*duration).count());
     if (line.expect.empty() || simulator.firmware(units::Unit::amplifier) == units::loadImage(line.expect))
         return true;
-    std::cerr << "the image is not the expected one\n";
+    std::cerr << "the image differs from the expected one\n";
     return false;
 }
 

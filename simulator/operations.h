@@ -18,14 +18,14 @@ struct Operation {
     Unit unit;
 };
 
-/// Reads the text of an operation command; nothing if it is not exactly one of the known ones.
+/// Parses an operation command; nothing unless it is exactly one of the known ones.
 std::optional<Operation> parseOperation(std::string_view command);
 
-/// Which operations are in order. "Open" comes before a download; "end transfer" and then "finish" close whatever was
-/// tried, successful or not.
+/// Checks the order of operations: "open" before a download; "end transfer" and then "finish" after any attempt,
+/// successful or not.
 class Operations {
 public:
-    /// The client has asked for the operation, whether it is going to be accepted or not.
+    /// The client has asked for the operation, which need not be accepted.
     /// @return why it is out of order, or nothing
     std::optional<std::string> request(const Operation& operation);
 

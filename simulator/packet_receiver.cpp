@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kHeaderSize = 3;
 
-/// Kinds after which the units behave as if the packet or end had not come.
+/// Kinds that make the units ignore the packet or EOT.
 bool withholdsResult(const ActiveFaults& faults) {
     using enum FaultKind;
     constexpr FaultKind kWithholding[] = {silence, nak, can, unplug, mute};
@@ -145,7 +145,7 @@ Script PacketReceiver::packet(Time now) {
 
 std::string PacketReceiver::packetFlaw() const {
     if ((packet_[1] ^ packet_[2]) != 0xFF)
-        return "number and complement do not fit: " + hexDump(std::span(packet_).subspan(1, 2));
+        return "number and complement do not match: " + hexDump(std::span(packet_).subspan(1, 2));
     const auto payload = std::span(packet_).subspan(kHeaderSize, kBlockSize);
     const auto check = std::span(packet_).subspan(kHeaderSize + kBlockSize);
     const unsigned expected = mode_ == CheckMode::crc ? crc16(payload) : sum8(payload);
@@ -198,12 +198,12 @@ Script PacketReceiver::endOfTransfer(Time now) {
 
 Script PacketReceiver::brokenOff(Time now) {
     state_ = State::between;
-    // A client that drops what it has not sent yet and cancels leaves such a packet behind.
+    // A client that discards its output and cancels leaves such a packet behind.
     if (packet_.size() > 2 && packet_.back() == kCan && packet_[packet_.size() - 2] == kCan) {
         end("download cancelled by the client within a packet", now);
         return {};
     }
-    journal_.violation(now, "packet broken off after " + std::to_string(packet_.size()) + " bytes -> NAK");
+    journal_.violation(now, "packet incomplete after " + std::to_string(packet_.size()) + " bytes -> NAK");
     mayRepeat_ = true;
     return answerControl(kNak, {});
 }
@@ -211,7 +211,7 @@ Script PacketReceiver::brokenOff(Time now) {
 Script PacketReceiver::answerControl(std::uint8_t control, const ActiveFaults& faults) {
     mind(faults);
     Script script = faults.has(FaultKind::silence) ? Script{{Step{}}} : shape({control}, faults);
-    // A client that does not know of the download may be sending a command when it is asked to start.
+    // A client that does not know of the download may be sending a command at this moment.
     script.excusesEarlyBytes = outOfStep_ || (unsure_ && state_ == State::starting);
     return script;
 }

@@ -1,5 +1,5 @@
-/// Takes a firmware image by XMODEM: asks for it with the start character, checks every packet to the letter, and hands
-/// the image over when the end of exactly 1920 blocks is acknowledged.
+/// Receives a firmware image by XMODEM: asks for it with the start character, checks every packet strictly, and hands
+/// the image over when it acknowledges the end of exactly 1920 blocks.
 #pragma once
 
 #include "simulator/bytes.h"
@@ -20,7 +20,7 @@ public:
     /// first byte of the first packet.
     using Accept = std::function<void(const Bytes& image, Time duration)>;
 
-    /// `unsure`: a fault kept the client from knowing that the download has started.
+    /// `unsure`: because of a fault the client may not know that the download has started.
     PacketReceiver(CheckMode mode, bool unsure, FaultBook& faults, Journal& journal, const Timing& timing,
                    Accept accept);
 
@@ -31,7 +31,7 @@ public:
 
 private:
     /// starting: no packet yet; between: waits for the next; inside: a packet has begun; purging: waits for silence
-    /// after a breach; lingering: the image is complete, but its acknowledgement may have got lost.
+    /// after an error; lingering: the image is complete, but its acknowledgement may have been lost.
     enum class State { starting, between, inside, purging, lingering };
 
     std::size_t packetSize() const { return mode_ == CheckMode::crc ? 133 : 132; }
@@ -62,7 +62,7 @@ private:
     std::optional<Time> firstPacket_;
     unsigned blocks_ = 0;
     unsigned tries_ = 0;
-    bool mayRepeat_ = false;  ///< something gave the client reason to send the last packet again
+    bool mayRepeat_ = false;  ///< the client has reason to send the last packet again
     bool accepted_ = false;
 };
 

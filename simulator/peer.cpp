@@ -22,7 +22,7 @@ void check(int error, const char* what) {
         throw std::system_error(error, std::generic_category(), what);
 }
 
-/// Both ends of a pipe; close-on-exec, the end of this process non-blocking.
+/// Both ends of a pipe, close-on-exec; this process's end is non-blocking.
 std::array<int, 2> makePipe(int ownEnd) {
     std::array<int, 2> ends{};
     if (pipe2(ends.data(), O_CLOEXEC) != 0)
@@ -32,7 +32,7 @@ std::array<int, 2> makePipe(int ownEnd) {
 }
 
 /// Starts a shell command in a process group of its own, with no signal blocked.
-// cppcheck-suppress passedByValue  ; posix_spawn() wants text that may be changed
+// cppcheck-suppress passedByValue  ; posix_spawn() takes non-const strings
 pid_t spawn(std::string command, int input, int output) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);

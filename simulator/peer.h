@@ -1,5 +1,5 @@
-/// A program that takes the place of a unit for one transfer: what the client sends is its standard input, its standard
-/// output goes to the client. It is killed if it still runs at the end.
+/// A program that stands in for a unit for one transfer: it reads what the client sends on standard input, and its
+/// standard output goes to the client. It is killed if it is still running at the end.
 #pragma once
 
 #include "simulator/journal.h"

@@ -59,7 +59,7 @@ unsigned bitsPerSecond(speed_t speed) {
 
 }  // namespace
 
-// Delegates, so that the destructor closes what is open if something later fails.
+// Delegates, so that the destructor closes what is open if a later step fails.
 Pty::Pty(const Options& options) : Pty() {
     openBoth();
     if (options.lineState == LineState::raw)
@@ -83,9 +83,9 @@ void Pty::forgetClient() const {
     std::array<char, 4096> events{};
     while (::read(closings_, events.data(), events.size()) > 0)
         continue;
-    // A serial port forgets the mark at its last close, and that never comes here, because slave_ stays open. Another
-    // client that has the port open at this moment loses its mark too; the mark is no more than advice, which
-    // privileged users do not heed, and clients lock the port besides.
+    // A serial port drops exclusive mode at its last close, which never comes here because slave_ stays open. Another
+    // client that has the port open now loses it too; that does no harm, as it never binds root and clients lock the
+    // port as well.
     ioctl(slave_, TIOCNXCL);
 }
 
@@ -100,13 +100,13 @@ std::optional<std::string> Pty::settingsFlaw(unsigned speed) const {
     termios settings{};
     tcgetattr(slave_, &settings);
     if (bitsPerSecond(cfgetispeed(&settings)) != speed || bitsPerSecond(cfgetospeed(&settings)) != speed)
-        return "port set to another speed than " + std::to_string(speed);
+        return "port speed is not " + std::to_string(speed);
     if ((settings.c_cflag & CSIZE) != CS8 || (settings.c_cflag & (PARENB | CSTOPB)) != 0)
         return "port not set to eight bits, no parity, one stop bit";
     if ((settings.c_lflag & (ICANON | ECHO | ISIG)) != 0 || (settings.c_oflag & OPOST) != 0)
         return "port not raw";
     if ((settings.c_iflag & (IXON | IXOFF | ICRNL | INLCR | IGNCR | ISTRIP)) != 0)
-        return "port changes or swallows bytes it receives";
+        return "port changes or drops received bytes";
     return std::nullopt;
 }
 
@@ -125,7 +125,7 @@ void Pty::makeLink(const std::string& path) {
 }
 
 void Pty::removeLink() {
-    // Another simulator may have put its own link there since.
+    // Another simulator may have replaced it by its own link.
     std::error_code error;
     if (!link_.empty() && std::filesystem::read_symlink(link_, error) == port_)
         unlink(link_.c_str());
@@ -152,13 +152,13 @@ void Pty::openBoth() {
     slave_ = open(port_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
     if (slave_ < 0)
         fail("cannot open " + port_);
-    // Not worth failing for: without it a mark of exclusive use may stay.
+    // Not worth failing for: without it the port may stay in exclusive mode.
     closings_ = inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
     inotify_add_watch(closings_, port_.c_str(), IN_CLOSE);
 }
 
 void Pty::waitUntilRead() const {
-    // What has just been written takes a moment to arrive at the near end, where it is counted.
+    // What has just been written takes a moment to reach the slave, where it is counted.
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
     int waiting = 0;
     for (int tries = 0; tries < 400 && ioctl(slave_, FIONREAD, &waiting) == 0 && waiting > 0; ++tries)

@@ -1,5 +1,5 @@
-/// The far end of a pseudo-terminal whose near end is the client's serial port. It holds the near end open as well, so
-/// that the client may close and open it again.
+/// The master of a pseudo-terminal whose slave is the client's serial port. It keeps the slave open as well, so that
+/// the client may close and reopen it.
 #pragma once
 
 #include "simulator/bytes.h"
@@ -15,7 +15,7 @@ namespace units {
 class Pty {
 public:
     /// A link replaces only another link.
-    /// @throws std::system_error  no pseudo-terminal or link can be made
+    /// @throws std::system_error  the pseudo-terminal or the link cannot be made
     explicit Pty(const Options& options);
     ~Pty();
     Pty(const Pty&) = delete;
@@ -26,24 +26,24 @@ public:
     /// Descriptor to wait on; -1 once unplugged.
     int descriptor() const { return master_; }
 
-    /// Readable when someone has closed the near end; -1 once unplugged or if that cannot be watched.
+    /// Readable when someone has closed the slave; -1 once unplugged or if that cannot be watched.
     int closings() const { return closings_; }
 
-    /// Takes note of those who have closed the near end: the port is no longer in exclusive use.
+    /// Handles such a close: the port is no longer in exclusive use.
     void forgetClient() const;
 
-    /// What the client has sent, at most `limit` bytes; empty if there is nothing now.
+    /// What the client has sent, at most `limit` bytes; never blocks.
     Bytes read(std::size_t limit) const;
 
-    /// Sends as much as fits now.
+    /// Sends what fits without blocking.
     /// @return the number of bytes sent
     std::size_t write(std::span<const std::uint8_t> bytes) const;
 
-    /// Why the client's terminal settings are not raw, 8N1, without echo, at the speed in bits a second; or nothing.
+    /// How the client's terminal settings differ from raw, 8N1, no echo, `speed` bit/s; nothing if they do not.
     std::optional<std::string> settingsFlaw(unsigned speed) const;
 
-    /// Hangs up for good and removes the link, if it is still this one's. Waits up to two seconds for the client to
-    /// read what has been sent before.
+    /// Hangs up for good and removes the link if it is still ours. First waits up to two seconds for the client to read
+    /// what has been sent.
     void unplug();
 
 private:

@@ -9,7 +9,7 @@
 
 namespace units {
 
-/// Something sent in one go: first the pause, then the flood, then the bytes, then the ending.
+/// Sent in this order: the pause, the flood, the bytes, the ending.
 struct Step {
     enum class Ending { none, unplug, mute };
 
@@ -19,15 +19,14 @@ struct Step {
     Ending ending = Ending::none;
 };
 
-/// An answer of the units, as it goes out on the line. Without steps there is nothing to answer yet; a step without
-/// bytes is an answer that is kept back.
+/// An answer of the units, as it goes out on the line. No steps: nothing to answer yet; a step without bytes: an answer
+/// that is withheld.
 struct Script {
     std::vector<Step> steps;
     bool excusesEarlyBytes = false;  ///< the client may send before the answer is complete
 };
 
-/// The answer with the faults of the place laid over it. Faults that change what a unit does, not what it sends, are
-/// left to the caller.
+/// The answer with the faults applied. Faults that change what a unit does, not what it sends, are up to the caller.
 Script shape(Bytes answer, const ActiveFaults& faults);
 
 /// All bytes of a script in order, without floods.

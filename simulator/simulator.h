@@ -1,5 +1,5 @@
-/// A sensor amplifier behind an interface unit behind a serial port, served by a thread of its own from construction
-/// to stop() or destruction. All functions may be called from any thread.
+/// A sensor amplifier and its interface unit on a serial port, run by a thread of its own from construction to stop()
+/// or destruction. Thread-safe.
 #pragma once
 
 #include "simulator/bytes.h"
@@ -29,18 +29,18 @@ public:
     /// Path of the port for the client to open.
     const std::string& port() const { return engine_.port(); }
 
-    /// How the client broke the format or order of the conversation; empty if it did not.
+    /// How the client violated the format or order of the conversation.
     std::vector<std::string> violations() const { return journal_.violations(); }
 
-    /// Command texts of all well-formed requests in order.
+    /// Command texts of all well-formed requests, in order.
     std::vector<std::string> requests() const { return journal_.requests(); }
 
-    /// Faults asked for that have not happened yet.
+    /// Faults that have not happened yet.
     std::vector<std::string> unusedFaults() const { return faults_.unused(); }
 
     Bytes firmware(Unit unit) const { return devices_.firmware(unit); }
 
-    /// Time from the first byte of the first packet to the end of the last image accepted.
+    /// Time from the first byte of the first packet to the end of the last accepted image.
     std::optional<Time> downloadTime() const { return engine_.downloadTime(); }
 
     /// Whether a line of the journal contains the text.

@@ -1,4 +1,4 @@
-/// What bytes of the wire mean, and how they are checked.
+/// Control bytes and check values on the wire.
 #pragma once
 
 #include <cstdint>
@@ -14,10 +14,10 @@ inline constexpr std::uint8_t kAck = 0x06;
 inline constexpr std::uint8_t kNak = 0x15;
 inline constexpr std::uint8_t kCan = 0x18;
 
-/// Asks the sender for packets with a CRC; a NAK in its place asks for the one-byte sum.
+/// Asks the sender for packets with a CRC; NAK instead asks for the 8-bit checksum.
 inline constexpr std::uint8_t kCrcStart = 'C';
 
-/// Check byte of a command frame: exclusive or of the bytes given.
+/// Check byte of a command frame: XOR of the bytes.
 std::uint8_t blockCheck(std::span<const std::uint8_t> bytes);
 
 /// Sum of the bytes modulo 256, as in a checksum packet.

@@ -1,4 +1,4 @@
-/// What both directions of a transfer by XMODEM have in common: the end, the client's CANs, and what faults excuse.
+/// What both directions of an XMODEM transfer share: the end, the client's CANs, and what faults excuse.
 #pragma once
 
 #include "simulator/fault_book.h"
@@ -18,19 +18,19 @@ public:
 
 protected:
     /// @param name    "download" or "upload"
-    /// @param unsure  a fault kept the client from knowing that the transfer has started
+    /// @param unsure  because of a fault the client may not know that the transfer has started
     XmodemUnit(const char* name, bool unsure, FaultBook& faults, Journal& journal, const Timing& timing)
         : faults_(faults), journal_(journal), timing_(timing), unsure_(unsure), name_(name) {}
 
     /// A CAN came; the second one in a row ends the transfer.
     void takeCancel(Time now);
     /// The next byte is not a CAN.
-    /// @return whether a single one came before it, which is a violation
+    /// @return whether a single CAN preceded it, which is a violation
     bool singleCancel(Time now);
     void forgetCancel() { cancels_ = 0; }
-    /// Whether the byte begins a command of a client that does not know of the transfer, which ends then.
+    /// Whether the byte begins a command of a client that does not know of the transfer; if so, the transfer ends.
     bool returnsToCommands(std::uint8_t byte, Time now);
-    /// Notes what `faults` excuse from now on; CANs of the unit's own end the transfer.
+    /// Records what `faults` excuse from now on; CANs from the unit end the transfer.
     void mind(const ActiveFaults& faults);
     /// Ends the transfer; the journal says why.
     void end(const std::string& reason, Time now);
@@ -40,7 +40,7 @@ protected:
     const Timing timing_;
     std::optional<Time> deadline_;
     bool unsure_;             ///< the client may believe that the transfer has ended or never started
-    bool outOfStep_ = false;  ///< the client may be an answer ahead or behind through no fault of its own
+    bool outOfStep_ = false;  ///< because of a fault the client may be one answer ahead or behind
 
 private:
     const char* name_;

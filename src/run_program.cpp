@@ -17,7 +17,7 @@
 #include <QIcon>
 #include <QSessionManager>
 
-/// The icon of the program that runs; each carries its own under the same name.
+/// The icon of this program; each has its own under the same name.
 static QIcon programIcon() {
     QIcon icon;
     const QFileInfoList pictures = QDir(QStringLiteral(":/icon")).entryInfoList();

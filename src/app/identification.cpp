@@ -18,7 +18,7 @@ QString gIfuVersion;
 
 namespace {
 
-/// Whether the identification goes on. If not, it stops quietly, or the program ends.
+/// Whether the identification continues. If not, it stops silently, or the program ends.
 bool readStatus() {
     QByteArray reply;
     const QString result = fncReadUnitStatus(kReadStatus, reply);
@@ -42,7 +42,7 @@ void requireOneSensor() {
     }
 }
 
-/// The bytes from position `first` on as one unsigned number, most significant byte first.
+/// The bytes from `first` on as one unsigned big-endian number.
 std::int32_t bigEndianNumber(const QByteArray& reply, qsizetype first) {
     double value = 0;
     for (const char byte : reply.mid(first))

@@ -14,8 +14,8 @@ extern QString gIfuVersion;
 
 /// Identifies interface unit and sensor amplifier over the open port and fills the four texts above and gUnitNo.
 ///
-/// Says what is wrong with the connected units and ends the program if it cannot work with them. A run-time
-/// failure is reported, and the identification stops there. Called by the start-up form only.
+/// Ends the program, with a message, if it cannot work with the connected units. A run-time failure is reported and
+/// stops the identification. Called by the start-up form only.
 void subGetUnitInfo();
 
 /// Model name in the data of an attribute reply: its first 16 characters, without blanks at the ends. Pure.

@@ -13,7 +13,7 @@
 
 #include <new>
 
-// The text is decoded before the library sees it.
+// The text is decoded before it reaches the library.
 #define SI_NO_CONVERSION
 #include <SimpleIni.h>
 
@@ -39,7 +39,7 @@ static QByteArray readFile(const QString& path) {
     RegularFile file(path);
     if (!file.exists())
         return {};
-    // A pipe would block, and a device may have no end.
+    // A pipe could block, and a device may never end.
     if (!QFileInfo(file).isFile())
         fail(textByOffset({u"not a regular file", u"ファイルではありません"}));
     if (!file.open(QIODevice::ReadOnly))
@@ -53,7 +53,7 @@ static QByteArray readFile(const QString& path) {
 }
 
 QString storedValue(const QByteArray& bytes, const QString& section, const QString& key) {
-    // Several values of a key are kept, because the first one holds, not the last.
+    // Keep all values of a key: the first one counts, not the last.
     CSimpleIniA ini(/*isUtf8*/ true, /*isMultiKey*/ true);
     if (ini.LoadData(iniText(bytes).toStdString()) < 0)
         throw std::bad_alloc();

@@ -1,31 +1,31 @@
-/// Reading values and lists of an INI file. Nothing here writes one.
+/// Reading values and lists from an INI file.
 #pragma once
 
 #include <QString>
 
-/// Size of the largest INI file that is read, in bytes; a real one has a few thousand.
+/// Largest INI file that is read, in bytes; a real one has a few thousand.
 inline constexpr qsizetype kMaxIniBytes = qsizetype{4} * 1'024 * 1'024;
 
-/// Most items that a list value gives; the rest is dropped.
+/// Most items that a list can have; the rest is dropped.
 inline constexpr int kMaxListItems = 101;
 
-/// Items of the list that was split last; the next split replaces them.
+/// Items of the last list that was split.
 extern QStringList gListItems;
 
 /// The value of `key` in `section` of the file at path `file`; sections and keys match without regard to case.
 ///
 /// At most 126 characters; what follows an apostrophe is dropped, tabs become blanks, blanks at both ends are removed.
-/// Empty when file, section or key is missing, and after a failure, which has been reported; such as that of a file of
-/// more than kMaxIniBytes.
+/// Empty when file, section or key is missing, and after a failure, such as a file of more than kMaxIniBytes, which has
+/// been reported.
 QString fncGetIniString(const QString& section, const QString& key, const QString& file);
 
-/// Splits `list` at its commas into gListItems, each item without blanks at its ends; empty items stay.
+/// Splits `list` at its commas into gListItems, trimming blanks; empty items stay.
 ///
-/// Tabs in `list` itself become blanks.
+/// Tabs in `list` itself are replaced by blanks.
 /// @return the number of items, 1 to kMaxListItems
 int fncSplitList(QString& list);
 
-/// The reading rules for one value, as it stands in the file. Pure.
+/// Applies the reading rules to one value as stored in the file. Pure.
 QString iniValue(const QString& stored);
 
 /// The first value for `key` in `section` of the INI file with the content `bytes`, as it is stored; empty when there

@@ -1,6 +1,6 @@
 /// Lets the operator choose the language for the rest of the run; shown modally by the settings reader only.
 ///
-/// It speaks the language that gLanguage holds when it is made. Only "OK" changes gLanguage.
+/// It uses the language in gLanguage when it is created. Only "OK" changes gLanguage.
 #pragma once
 
 #include <QDialog>
@@ -16,6 +16,6 @@ public:
 private:
     void cmdOK_Click();
 
-    /// The element number is the value that it stands for in gLanguage.
+    /// Indexed by the value for gLanguage.
     std::array<QRadioButton*, 2> optLanguage{};
 };

@@ -38,7 +38,7 @@ std::optional<double> wholeNumber(const QString& text) {
 
 template <typename Integer>
 static Integer rounded(double value) {
-    constexpr int kWholeDigits = 15;  // every number that a double holds exactly shows whole
+    constexpr int kWholeDigits = 15;  // integers that a double holds exactly are shown in full
     const double nearest = std::nearbyint(value);
     if (!(nearest >= std::numeric_limits<Integer>::min() && nearest <= std::numeric_limits<Integer>::max()))
         throw RuntimeFailure(

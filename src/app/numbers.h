@@ -1,4 +1,4 @@
-/// How a text in an INI file or an image is read as a number, and how a version is written.
+/// Numbers in texts from INI files and images, and version texts.
 ///
 /// Pure: no file, no window.
 #pragma once
@@ -8,17 +8,17 @@
 #include <cstdint>
 #include <optional>
 
-/// Value of the longest leading part of `text` that reads as a number, 0 when there is none.
+/// Value of the longest prefix of `text` that is a number, 0 when there is none.
 ///
-/// A number is decimal digits with optional sign, decimal point and exponent, or hexadecimal digits after "&H"; blanks
-/// inside the text are skipped.
+/// A number is decimal, with optional sign, decimal point and exponent, or hexadecimal after "&H"; blanks inside the
+/// text are skipped.
 double leadingNumber(const QString& text);
 
-/// The number that all of `text` is, blanks at its ends aside; nothing if it is none.
+/// The value of `text` if all of it, but for blanks at its ends, is a number.
 std::optional<double> wholeNumber(const QString& text);
 
-/// `value` rounded to the nearest whole number, halves to the even one.
-/// @throws RuntimeFailure  the number does not fit into 16 bits, sign included
+/// `value` rounded to the nearest integer, halves to even.
+/// @throws RuntimeFailure  the number does not fit into a signed 16-bit integer
 std::int16_t toInt16(double value);
 
 /// The same for 32 bits.

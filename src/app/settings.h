@@ -12,6 +12,6 @@ extern QString gBaudRate;
 
 /// Reads language and port, and shows the language dialog when the file gives no language.
 ///
-/// Called once, first thing in the start-up sequence. A missing file is not a failure.
-/// @return false after a failure, which has been reported; what was read before it holds
+/// Called once, first in the start-up sequence. A missing file is not a failure.
+/// @return false after a failure, which has been reported; what was read before it stays set
 bool fncReadSetting();

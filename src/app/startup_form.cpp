@@ -36,7 +36,7 @@ static constexpr ControlText kStartUpTexts[] = {
     {"cmdTest", IDS_FRMSTARTUP_CMD_TEST, true},
 };
 
-/// The logo, which is stored larger, sharp on the screen of `window`.
+/// The logo, scaled down for the resolution of `window`'s screen.
 static QPixmap logo(const QWidget& window) {
     constexpr int kStoredSize = 3;
     const QPixmap stored(QStringLiteral(":/bitmap/1101"));
@@ -125,12 +125,12 @@ void frmStartUp::fillLists() {
 void frmStartUp::setPortControlsVisible(bool visible) {
     for (QWidget* control : std::initializer_list<QWidget*>{lblCom, cmbCom, cmdTest, cmdEnd, shpComm})
         control->setVisible(visible);
-    // There is only one speed to choose.
+    // There is only one speed.
     lblBPS->hide();
     cmbBps->hide();
 }
 
-/// Shows the form and serves window events until it stands on the screen: the test that follows serves none.
+/// Shows the form and serves window events until it is on the screen, since the test that follows serves none.
 void frmStartUp::showPainted() {
     show();
     waitServingEvents(std::chrono::milliseconds(200), [this] { return windowHandle()->isExposed(); });

@@ -1,4 +1,4 @@
-/// The start-up form: from the start of the program to the main window.
+/// The start-up form, shown from program start until the main window.
 #pragma once
 
 #include <QWidget>
@@ -10,7 +10,7 @@ class QPushButton;
 /// What the start-up form needs of the main window.
 class MainWindowAtStart {
 public:
-    /// Creates the window hidden; that ends the program when `TYPE.INI` is missing.
+    /// Creates the window hidden; ends the program if `TYPE.INI` is missing.
     virtual void createHidden() = 0;
     /// Refreshes caption and rows.
     virtual void subSetAllVersion() = 0;
@@ -24,12 +24,12 @@ protected:
 /// Reads the settings, opens the port, tests the connection, identifies the units and hands over to the main window;
 /// offers the port list when the first test fails.
 ///
-/// Stays loaded, but hidden, for the rest of the run. Closing it ends the program.
+/// Stays loaded but hidden afterwards. Closing it ends the program.
 class frmStartUp : public QWidget {
 public:
     explicit frmStartUp(MainWindowAtStart& mainWindow);
 
-    /// Runs the start-up sequence, once. A failure is reported; the port choice is shown then.
+    /// Runs the start-up sequence, once. A failure is reported, and the port choice shown.
     void load();
 
 protected:
@@ -48,7 +48,7 @@ private:
     void testChosenPort();
 
     MainWindowAtStart& mainWindow_;
-    bool testing_ = false;  ///< a test is under way; a second "Set" meanwhile does nothing
+    bool testing_ = false;  ///< a test is running; "Set" does nothing meanwhile
 
     QLabel* imgLogo;
     QLabel* lblBPS;

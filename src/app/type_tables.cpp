@@ -11,8 +11,8 @@
 
 QString typeTableFile() { return programFile(QStringLiteral("TYPE.INI")); }
 
-/// Takes the range whose base number is item `baseIndex` of the split entry; its name follows.
-/// @return whether `number` lies in it
+/// Takes the range whose base number is item `baseIndex` of the split entry and whose name follows it.
+/// @return whether `number` is in it
 static bool takeRange(int baseIndex, std::int32_t number, QString& name, std::int32_t& offset) {
     constexpr std::int32_t kLastOffset = 9999;
     if (gListItems.size() <= baseIndex + 1)

@@ -1,11 +1,11 @@
-/// Texts as units, images and tables carry them.
+/// Texts from units, images and tables.
 #pragma once
 
 #include <QByteArray>
 #include <QString>
 
-/// The text of `bytes`, one character a byte: CP932, as the type tables are, as far as single bytes go. Half-width
-/// katakana are themselves; the halves of a double-byte character stay two characters that no table has.
+/// The text of `bytes`, one character per byte: the single-byte part of CP932, the encoding of the type tables.
+/// Half-width katakana are converted; a double-byte character becomes two characters that no table contains.
 inline QString singleByteText(const QByteArray& bytes) {
     constexpr ushort kFirstKatakana = 0xA1;
     constexpr ushort kLastKatakana = 0xDF;
@@ -17,7 +17,7 @@ inline QString singleByteText(const QByteArray& bytes) {
     return characters;
 }
 
-/// `text` without the blanks (U+0020 alone) at its ends.
+/// `text` without the blanks (U+0020 only) at its ends.
 inline QString trimBlanks(const QString& text) {
     qsizetype first = 0;
     qsizetype last = text.size();

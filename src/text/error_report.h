@@ -1,4 +1,4 @@
-/// The common report of run-time failures.
+/// Reports run-time failures to the operator.
 #pragma once
 
 #include <QString>
@@ -7,17 +7,17 @@
 
 /// Shows the failure being handled; call it from a catch block.
 ///
-/// Ends the program when the failure's description is the text of IDS_MSGERR_UNEXPECTED; otherwise the caller goes on
-/// once the operator has answered. Never throws.
+/// Ends the program if the failure's description is the text of IDS_MSGERR_UNEXPECTED; otherwise returns when the
+/// operator has answered. Never throws.
 void subReportError();
 
-/// Shows `description` in the same way, for a failure that nothing has thrown.
+/// Reports `description` in the same way, for a failure that was not thrown.
 void subReportError(const QString& description);
 
 /// Description of the failure being handled; call it from a catch block.
 QString currentFailure();
 
-/// Runs `operation` and reports whatever it throws: the trap of every handler that the event loop calls.
+/// Runs `operation` and reports whatever it throws. Every handler that the event loop calls goes through it.
 ///
 /// @return whether `operation` ran to its end
 template <typename Operation>

@@ -21,7 +21,7 @@ MsgBoxResult showMessageBox(const QString& message, int style, const QString& ti
     return kOk;
 }
 
-/// The text of message `id` with its insert in the place that the message has for it.
+/// The text of message `id` with `insert` where the message has a place for it.
 static QString compose(int id, const QString& insert) {
     switch (id) {
     case IDS_MSGERR_COMM_TIMEOUT:

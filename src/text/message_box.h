@@ -1,11 +1,11 @@
-/// Message boxes: a catalogue message with an insert, or any text. What shows them is set from above.
+/// Message boxes: a catalogue message with an insert, or any text. The function that shows them is set from above.
 #pragma once
 
 #include <QString>
 
 #include <functional>
 
-/// Buttons and icon of a message box; one of the buttons and one of the icons are added.
+/// Buttons and icon of a message box: the sum of one of each.
 enum MsgBoxStyle : int {
     kOkOnly = 0,
     kOkCancel = 1,
@@ -18,7 +18,7 @@ enum MsgBoxStyle : int {
 /// Answers of a message box.
 enum MsgBoxResult : int { kBoxFailed = 0, kOk = 1, kCancel = 2 };
 
-/// The title of every message box whose place names no other.
+/// Default title of message boxes.
 inline constexpr char16_t kMsgBoxTitle[] = u"Dravolt";
 
 /// One message box: plain text, in lines.
@@ -28,9 +28,9 @@ struct MessageBox {
     QString title;
 };
 
-/// Sets what shows the boxes of the program and gives the operator's answer; main() sets windows, tests what they like.
+/// Sets the function that shows the boxes and returns the operator's answer.
 ///
-/// Until then a message goes to standard error, and its answer is OK.
+/// Until then messages go to standard error and are answered with OK.
 void setMessageBoxes(std::function<MsgBoxResult(const MessageBox&)> show);
 
 /// Shows `message`, in which CR LF is a line break, and waits for the answer.
@@ -39,5 +39,5 @@ MsgBoxResult showMessageBox(const QString& message, int style, const QString& ti
 
 /// Shows the catalogue message `id` (without language offset), composed with `insert` where that message takes one.
 ///
-/// Never fails: a failure of its own, such as an identifier without an entry, is shown in a box and gives kBoxFailed.
+/// Never throws: its own failures, such as an identifier without an entry, are shown in a box and give kBoxFailed.
 MsgBoxResult fncMsgBox(int id, int style, const QString& insert = {});

@@ -15,7 +15,7 @@ extern int gLanguage;
 
 /// Added to an identifier before its text is fetched: 0 Japanese, 10000 English.
 ///
-/// Follows gLanguage only when the texts of a form are applied.
+/// Set from gLanguage when the texts of a form are applied.
 extern int gLangOffset;
 
 /// The text of `id` in the language of the offset.
@@ -23,8 +23,8 @@ extern int gLangOffset;
 /// @throws RuntimeFailure  the table has no such entry
 QString text(int id);
 
-/// A text that is not in the table, in both languages. One that lacks a language, or has an insert (%1 to %9) in one
-/// language only, does not compile.
+/// A text outside the table, in both languages. A missing language, or an insert (%1 to %9) in one language only, does
+/// not compile.
 class BothLanguages {
 public:
     consteval BothLanguages(const char16_t* english, const char16_t* japanese)
@@ -49,7 +49,7 @@ private:
     const char16_t* japanese_;
 };
 
-/// `texts` in the language of gLangOffset: for what stands inside a message, such as a failure's description.
+/// `texts` in the language of gLangOffset, for use inside a message, such as a failure's description.
 QString textByOffset(BothLanguages texts);
 
 /// `texts` in the language of gLanguage, which may be ahead of the offset.

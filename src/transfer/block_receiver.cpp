@@ -6,14 +6,14 @@ PollResult BlockReceiver::take(const QByteArray& bytes, Time now) {
     if (block_.size() == kChecksumPacketSize)
         block_.clear();
     const PollResult found = find(bytes);
-    // Noise, or a unit that asks for an image itself, would keep the read alive for good.
+    // Otherwise noise, or a unit that itself asks for an image, would keep the read going forever.
     const bool goesOn = !bytes.isEmpty() && (found == kIncomplete || found == kBlock || found == kEotCame);
     if (goesOn)
         lastSign_ = now;
     return !goesOn && now - lastSign_ >= silence_ ? kReceiveTimeOut : found;
 }
 
-/// The control byte that `bytes` begin with; kNothing for any other.
+/// The control byte at the start of `bytes`; kNothing if it is none.
 static PollResult controlByte(const QByteArray& bytes) {
     switch (bytes.isEmpty() ? '\0' : bytes[0]) {
     case kAck:
@@ -39,7 +39,7 @@ PollResult BlockReceiver::find(const QByteArray& bytes) {
     return fromStart.startsWith(kEot) ? kEotCame : fill(fromStart);
 }
 
-/// Appends `bytes` to the block that has begun, up to its end.
+/// Appends `bytes` to the current block, up to its end.
 PollResult BlockReceiver::fill(const QByteArray& bytes) {
     block_ += bytes.left(kChecksumPacketSize - block_.size());
     if (block_.isEmpty())

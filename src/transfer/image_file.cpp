@@ -35,7 +35,7 @@ static void writeFrom(const QByteArray& array, qsizetype count, const QString& p
     if (!file.open(QIODevice::WriteOnly))
         fail(file);
     for (qint64 at = 0; at < count;) {
-        // A disk that gets full takes a part first; only the next attempt says why it takes no more.
+        // A disk that fills up takes a part first; only the next write fails with the reason.
         const qint64 taken = file.write(array.constData() + at, count - at);
         if (taken <= 0)
             fail(file);

@@ -1,4 +1,4 @@
-/// The firmware image that is sent, the one that is read back, and their files.
+/// The image to send, the firmware read back, and their files.
 #pragma once
 
 #include <QByteArray>
@@ -7,10 +7,10 @@
 /// Size of every firmware image, in bytes.
 inline constexpr qsizetype kImageSize = 245'760;
 
-/// Image to send: kImageSize bytes from the file, and one more, which stays 0. Filled by the image loading.
+/// Image to send: kImageSize bytes from the file, and an extra one that stays 0. Filled by the image loading.
 extern QByteArray gImageBuf;
 
-/// Firmware read back, in the same layout; what has not come is 0. Filled by the transfer run.
+/// Firmware read back, in the same layout; 0 where nothing was received. Filled by the transfer run.
 extern QByteArray gReadBuf;
 
 /// Compares all of gReadBuf with all of gImageBuf.
@@ -19,10 +19,9 @@ int fncCompareImage();
 
 enum BinaryFileMode : int { kReadFile = 0, kWriteFile = 1 };
 
-/// Moves the bytes of the file `fileName` (blanks at its ends aside) to or from `array`, from its first byte to the
-/// array's upper index.
+/// Copies the file `fileName` (without blanks at its ends) to or from `array`.
 ///
-/// The last element of the array takes no part. A file is written whole or not at all, and an older one replaced. A
+/// The last element of the array is left out. A file is written completely or not at all, and replaces an older one. A
 /// failure is reported.
-/// @return the number of bytes moved, the array's upper index; 0 after a failure
+/// @return the number of bytes copied, which is the array's upper index; 0 after a failure
 int fncBinaryFile(const QString& fileName, QByteArray& array, BinaryFileMode mode);

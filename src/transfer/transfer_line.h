@@ -15,22 +15,22 @@ public:
 
     virtual ~TransferLine() = default;
 
-    /// Sends operation command `code` to `unit` and gives the response code. Never throws; a failure has been shown.
+    /// Sends operation command `code` to `unit` and returns the response code. Never throws; shows failures.
     virtual QString operation(const QString& code, int unit) = 0;
 
-    /// Discards what has come in and what has not gone out.
+    /// Discards pending input and output.
     /// @throws RuntimeFailure  the port is not open
     virtual void clear() = 0;
-    /// Discards what has come in.
+    /// Discards pending input.
     /// @throws RuntimeFailure  the port is not open
     virtual void clearInput() = 0;
-    /// Discards what has come in, then sends `bytes` in one write. Never throws: a port error is shown.
+    /// Discards pending input, then sends `bytes` in one write. Never throws; shows port errors.
     /// @return 7 (kResultSuccess), or the number of the port error
     virtual int fncSendRaw(const QByteArray& bytes) = 0;
-    /// Takes everything that has come in, without waiting.
+    /// Takes all pending input, without waiting.
     /// @throws RuntimeFailure  the port is closed or gone
     virtual QByteArray received() = 0;
-    /// Waits for one byte and serves window events meanwhile; nothing when `limit` has passed.
+    /// Waits up to `limit` for one byte, serving window events; nothing on time-out.
     /// @throws RuntimeFailure  the port is closed or gone
     virtual std::optional<char> fncWaitByte(std::chrono::milliseconds limit) = 0;
     /// Closes the port until the program starts again.
@@ -44,9 +44,9 @@ public:
 
     /// Calls `step` every gWaits.tick until stopTicks(), from the event loop.
     virtual void startTicks(std::function<void()> step) = 0;
-    /// Lets bytes that come in call the step as well, once holdInput(false) is called; ends with stopTicks().
+    /// Makes incoming bytes call the step as well, from holdInput(false) until stopTicks().
     virtual void watchInput() = 0;
-    /// While `hold` is set, bytes that come in do not call the step.
+    /// While `hold` is set, incoming bytes do not call the step.
     virtual void holdInput(bool hold) = 0;
     virtual void stopTicks() = 0;
 };

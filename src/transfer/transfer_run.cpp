@@ -23,7 +23,7 @@ static_assert(kImageSize == XmodemSender::kPackets * kBlockSize, "an image fills
 
 namespace {
 
-/// Blocks ticks, bytes and clicks while a step runs: its boxes and waits serve events.
+/// Blocks ticks, bytes and clicks while a step runs, since its boxes and waits serve events.
 class Busy {
 public:
     explicit Busy(TransferLine& line) : line_(line) {
@@ -102,7 +102,7 @@ void TransferRun::cancel() {
     for (int i = 0; i < kCans && line_.fncSendRaw(QByteArray(1, kCan)) == kResultSuccess; ++i) {
     }
     state = kReadEnded;
-    // The rest of a block may still be on its way: the commands that follow wait for a whole tick.
+    // The rest of a block may still be on its way, so the commands that follow wait for a whole tick.
     line_.startTicks([this] { step(); });
 }
 
@@ -117,7 +117,7 @@ TransferState TransferRun::startWrite() {
 }
 
 /// Sends the image: the sender decides, the line carries out.
-/// @throws RuntimeFailure  the image was not sent, for whatever reason
+/// @throws RuntimeFailure  the image was not sent
 void TransferRun::sendImage() {
     XmodemSender sender(gImageBuf, gWaits.transferStart, gWaits.packetAnswer);
     try {
@@ -186,7 +186,7 @@ TransferState TransferRun::receiveBlock() {
     }
 }
 
-/// Appends the data of the received block to gReadBuf, as far as there is room.
+/// Appends the data of the received block to gReadBuf, up to its capacity.
 void TransferRun::subStoreBlock() {
     const QByteArray data = receiver_->data().left(gReadBuf.size() - readCount_);
     std::copy(data.begin(), data.end(), gReadBuf.begin() + readCount_);
@@ -205,7 +205,7 @@ TransferState TransferRun::receiveSecondEot() {
     case kReceiveTimeOut:
         return kReadEnded;
     default:
-        // A block as well: neither stored nor acknowledged.
+        // Blocks too are neither stored nor acknowledged.
         return kAwaitingSecondEot;
     }
 }
@@ -229,7 +229,7 @@ TransferState TransferRun::closeRead() {
 TransferState TransferRun::closeReadBack() {
     endTransfer();
     finish(/*resumes*/ true, [this] {
-        // Bytes that were never read are 0 in the buffer, as they may be in the image.
+        // Without the count, an empty read would match an image of zeros.
         const bool same = readCount_ >= kImageSize && fncCompareImage() == 0;
         const QString title = textByLanguage({u"Dravolt", u"ドラボルト"});
         if (same)
@@ -242,9 +242,9 @@ TransferState TransferRun::closeReadBack() {
 
 // ---- the commands of both ----
 
-/// Sends operation command `code`, up to three times in all, until it is carried out.
+/// Sends operation command `code`, up to three times, until it is carried out.
 ///
-/// The attempt number is left in gintCommRetry: the frame link reports a failure only at the last attempt.
+/// Leaves the attempt number in gintCommRetry: the frame link reports a failure only at the last attempt.
 /// @return the response of the last attempt
 QString TransferRun::sendWithRetries(const QString& code) {
     constexpr int kLastAttempt = 3;
@@ -266,7 +266,7 @@ static QString refusal(const QString& code, const QString& response) {
 }
 
 /// Puts the unit into its download state, or with kStartUpload into its upload state, and shows the progress.
-/// @return the unit's response, or "" after three failed attempts of the command itself, which have been reported
+/// @return the unit's response, or "" after three failed attempts, which have been reported
 QString TransferRun::fncStartTransfer(const QString& code) {
     gReadBuf.fill('\0');
     readCount_ = 0;
@@ -296,10 +296,10 @@ void TransferRun::endTransfer() {
     line_.serveEvents();
 }
 
-/// Ends the run, whatever has happened in it: the unit returns to normal operation, the window to its operator.
+/// Ends the run, whatever has happened: returns the unit to normal operation and the window to the operator.
 ///
-/// @param resumes       whether the unit gets the last command, too
-/// @param sayHowItWent  shows the message, if there is one
+/// @param resumes       whether to send the unit the last command as well
+/// @param sayHowItWent  shows the result message, if there is one
 void TransferRun::finish(bool resumes, const std::function<void()>& sayHowItWent) {
     line_.stopTicks();
     endTransfer();

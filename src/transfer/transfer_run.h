@@ -1,4 +1,4 @@
-/// The transfer run: a write, the verification that may follow it, or a save; from its start to its end.
+/// The transfer run: a write, with or without verification, or a save.
 #pragma once
 
 #include "link/device_commands.h"
@@ -14,15 +14,15 @@
 
 /// States of a transfer.
 ///
-///     write:         7 --> 12 --> 6          7 to 6 when the unit refuses the start, or the image send fails
+///     write:         7 --> 12 --> 6          7 to 6 when the unit refuses the start, or sending the image fails
 ///                        `--> 13 --> 2       when a verification follows; to 5 when the unit refuses it
 ///     read:   1 --> 2 --> 4 --> 5 --> 0      to 5 from anywhere: refused, silence, failure, Cancel
-///                                 `--> 14    when it was that of a verification
+///                                 `--> 14    when it was part of a verification
 enum TransferState : int {
     kIdleAfterRead = 0,          ///< nothing is awaited
     kReadToStart = 1,            ///< the step puts the unit into its upload state
     kReceivingBlocks = 2,        ///< a block, or the first EOT, is awaited
-    kAwaitingSecondEot = 4,      ///< the first EOT has been refused, its repeat is awaited
+    kAwaitingSecondEot = 4,      ///< the first EOT was refused, its repeat is awaited
     kReadEnded = 5,              ///< the step closes the read
     kIdleAfterWrite = 6,         ///< nothing is awaited
     kWriteToStart = 7,           ///< the step puts the unit into its download state and sends the whole image
@@ -31,39 +31,39 @@ enum TransferState : int {
     kIdleAfterVerification = 14  ///< nothing is awaited
 };
 
-/// State of the run under way, or of the last one. Only the run itself writes it.
+/// State of the current run, or of the last one. Only the run itself writes it.
 extern const TransferState& gTransferState;
 
-/// Set while a step runs: a tick, a click or a Cancel that comes meanwhile does nothing.
+/// Set while a step runs; ticks, clicks and Cancel do nothing meanwhile.
 extern const bool& gTransferBusy;
 
-/// What a run uses, fixed when it starts: no later choice of the operator changes it.
+/// What a run uses, fixed at its start whatever the operator chooses later.
 struct TransferJob {
     int unit = kSensorAmplifier;      ///< kSensorAmplifier or kInterfaceUnit
-    bool verificationTicked = false;  ///< a verification follows a write; a save reads, but writes no file
-    QString file{};                   ///< of a save
+    bool verificationTicked = false;  ///< a write is verified; a save reads but writes no file
+    QString file{};                   ///< to write by a save
 };
 
-/// One run at a time, the only owner of its state. Whatever happens in it, finish() closes it, once.
+/// One run at a time, the only owner of its state. Whatever happens, finish() closes it exactly once.
 ///
-/// A run goes on in steps, each a bounded piece of work. A tick of the line calls the next one; in a read, bytes that
-/// come in call it as well, at once. What goes wrong in a step is reported, and leads to the end of the run.
+/// A run proceeds in steps of bounded length. A tick of the line calls the next one; in a read, incoming bytes call it
+/// as well, at once. A failure in a step is reported and ends the run.
 class TransferRun {
 public:
     TransferRun(TransferScreen& screen, TransferLine& line) : screen_(screen), line_(line) {}
 
-    /// Whether a run is under way.
+    /// Whether a run is in progress.
     static bool isRunning();
 
     /// Writes gImageBuf, and verifies it if the job says so. Returns when the image has been sent, or the run has
-    /// failed and ended. Does nothing while a run is under way; throws nothing.
+    /// failed and ended. Does nothing while a run is in progress. Never throws.
     void write(const TransferJob& job) { start(job, kWriteToStart); }
 
-    /// Reads the unit's firmware into gReadBuf and saves it. Returns after the first step; else as write().
+    /// Reads the unit's firmware into gReadBuf and saves it. Returns after the first step; otherwise like write().
     void read(const TransferJob& job) { start(job, kReadToStart); }
 
-    /// Cancels a read that receives: tells the unit, and lets the next step close the run. Does nothing in any other
-    /// state, and while a step runs.
+    /// Cancels a read in progress: tells the unit, and lets the next step close the run. Does nothing in any other
+    /// state or while a step runs.
     void cancel();
 
 private:
@@ -94,8 +94,8 @@ private:
     TransferScreen& screen_;
     TransferLine& line_;
     TransferJob job_;
-    bool readsBack_ = false;                 ///< the read is that of a verification
-    std::optional<BlockReceiver> receiver_;  ///< of the read under way, once it has started
+    bool readsBack_ = false;                 ///< the read is part of a verification
+    std::optional<BlockReceiver> receiver_;  ///< of the current read, once it has started
     qsizetype readCount_ = 0;                ///< bytes stored in gReadBuf
     std::optional<SleepInhibitor> awake_;    ///< from the start of a run to its end
 };

@@ -8,15 +8,15 @@ public:
     virtual void showProgress() = 0;
     /// Moves the progress bar to `bytes`, 0 to kImageSize.
     virtual void setProgress(int bytes) = 0;
-    /// Unloads the progress dialog; the one that is shown next speaks of the verification.
+    /// Unloads the progress dialog; the next one shown is for the verification.
     virtual void announceVerification() = 0;
-    /// Unloads the progress dialog and gives the main window back to the operator, but for its cursor.
+    /// Unloads the progress dialog and enables the main window, but keeps its cursor.
     virtual void releaseWindow() = 0;
     /// Brings the main window to the front.
     virtual void raiseWindow() = 0;
-    /// Gives the main window its default cursor.
+    /// Restores the main window's default cursor.
     virtual void setDefaultCursor() = 0;
-    /// Copies the version of the image into the row of `unit`, to which it has been written.
+    /// Shows the version of the image in the row of `unit`, to which it has been written.
     virtual void showWrittenVersion(int unit) = 0;
 
 protected:

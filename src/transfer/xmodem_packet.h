@@ -18,7 +18,7 @@ inline constexpr char kCrcStart = 'C';
 inline constexpr qsizetype kBlockSize = 128;
 /// Bytes before them: SOH, block number, its complement.
 inline constexpr qsizetype kBlockHeader = 3;
-/// Bytes of a whole packet, by its check.
+/// Bytes of a complete packet, by its check.
 inline constexpr qsizetype kChecksumPacketSize = kBlockHeader + kBlockSize + 1;
 inline constexpr qsizetype kCrcPacketSize = kBlockHeader + kBlockSize + 2;
 static_assert(kChecksumPacketSize == 132 && kCrcPacketSize == 133, "as XMODEM has it on the wire");
@@ -29,6 +29,6 @@ enum class PacketCheck { checksum, crc };
 /// CRC-16/XMODEM of `length` bytes from index `start`: polynomial 0x1021, initial value 0, most significant bit first.
 std::uint16_t fncCrc16(const QByteArray& bytes, qsizetype start, qsizetype length);
 
-/// The packet that carries `data` (kBlockSize bytes) as block `number`, of which the low 8 bits go out: 133 bytes with
-/// the CRC, high byte first, or 132 with the sum of all bytes before it.
+/// The packet with `data` (kBlockSize bytes) as block `number` modulo 256: 133 bytes with the CRC, high byte first, or
+/// 132 with the sum of all bytes before it.
 QByteArray buildPacket(int number, const QByteArray& data, PacketCheck check);

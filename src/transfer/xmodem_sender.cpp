@@ -21,7 +21,7 @@ SendOrder XmodemSender::timeUp() {
                                                     u"%1回送信しましたが、応答がありません"}));
 }
 
-/// The receiver asks for the image; its start character chooses the check.
+/// The receiver asks for the image; its start character selects the check.
 SendOrder XmodemSender::takeStart(char byte) {
     switch (byte) {
     case kCrcStart:
@@ -78,7 +78,7 @@ SendOrder XmodemSender::sendNext() {
     return order();
 }
 
-/// Repeats the packet that was refused or not answered, unless it has been sent too often.
+/// Repeats a packet that was refused or not answered, unless it has been sent too often.
 SendOrder XmodemSender::sendAgain(XmodemResult result, const QString& reason) {
     cans_ = 0;
     return sends_ == kMaxSends ? giveUp(result, reason.arg(sends_)) : order();

@@ -1,6 +1,6 @@
-/// XMODEM sender: an image in 128-byte packets, with checksum or CRC as the receiver asks.
+/// XMODEM sender: an image in 128-byte packets, with the check that the receiver asks for.
 ///
-/// Pure: it takes what came, and hands out what to do. No port, no clock, no window.
+/// Pure: it takes what came and returns what to do. No port, no clock, no window.
 #pragma once
 
 #include "system/runtime_failure.h"
@@ -11,14 +11,14 @@
 #include <chrono>
 #include <optional>
 
-/// Numbers of the failures of a send; any other number is that of a port error.
+/// Failure numbers of a send; any other number is a port error.
 enum XmodemResult : int { kXmodemRefused = 4097, kXmodemNoAnswer = 4098, kXmodemCancelled = 4099 };
 
-/// What the line has to do for the sender, in this order.
+/// What the line is to do for the sender, in this order.
 struct SendOrder {
     bool clearInput = false;            ///< discard what has come in so far
     QByteArray packet{};                ///< discard it too, then send this in one write; empty: nothing
-    std::chrono::milliseconds wait{0};  ///< then wait so long for one byte, from now on
+    std::chrono::milliseconds wait{0};  ///< then wait this long for one byte
 };
 
 /// One send of an image.
@@ -26,12 +26,12 @@ struct SendOrder {
 ///     awaits start --"C", NAK--> awaits answer to packet 1 --ACK--> ... --> packet 1920 --ACK--> EOT --ACK--> done
 ///           `--------------------------`--- ten refusals or silences, two CANs ----------------------`------> failed
 ///
-/// Every byte and every time-out is answered with an order. Once the send has ended, an order at most clears the input.
+/// Every byte and every time-out results in an order. After the end of the send, an order at most clears the input.
 class XmodemSender {
 public:
-    /// @param image   what is sent, its first kPackets * kBlockSize bytes; must outlive the sender
-    /// @param start   for the receiver's start character
-    /// @param answer  for the answer to one packet
+    /// @param image   to send its first kPackets * kBlockSize bytes; must outlive the sender
+    /// @param start   time-out for the receiver's start character
+    /// @param answer  time-out for the answer to a packet
     XmodemSender(const QByteArray& image, std::chrono::milliseconds start, std::chrono::milliseconds answer)
         : image_(image), startWait_(start), answerWait_(answer) {}
 
@@ -43,14 +43,14 @@ public:
     SendOrder timeUp();
 
     bool hasEnded() const { return sent_ || failure_.has_value(); }
-    /// Why the send failed: where, how often, what the unit answered. None while it runs and when the image was sent.
+    /// Why the send failed: where, how often, what the unit answered. None while it runs or if it succeeded.
     const std::optional<RuntimeFailure>& failure() const { return failure_; }
     /// Bytes of the image that the receiver has acknowledged.
     int acknowledgedBytes() const;
-    /// What is being sent, in the operator's words, to stand before a failure: "Block 5 of 1920: ".
+    /// What is being sent, in the operator's words, as a prefix to a failure: "Block 5 of 1920: ".
     QString place() const;
 
-    /// Packets of an image; EOT follows as one more.
+    /// Packets of an image; EOT counts as one more.
     static constexpr int kPackets = 1'920;
 
 private:
@@ -65,9 +65,9 @@ private:
     const std::chrono::milliseconds startWait_;
     const std::chrono::milliseconds answerWait_;
     PacketCheck check_ = PacketCheck::crc;
-    int number_ = 0;     ///< of the packet whose answer is awaited, EOT being the last; 0 before the start
-    QByteArray packet_;  ///< that packet, kept because a repeat sends the same bytes
-    int sends_ = 0;      ///< of that packet, since it was sent first or a CAN came
+    int number_ = 0;     ///< of the packet awaiting its answer, EOT being the last; 0 before the start
+    QByteArray packet_;  ///< that packet, kept for repeats
+    int sends_ = 0;      ///< of that packet, since its first send or a CAN
     int strayBytes_ = 0;
     int cans_ = 0;
     bool sent_ = false;

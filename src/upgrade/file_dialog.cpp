@@ -8,7 +8,7 @@
 #include <QSplitter>
 #include <QTreeView>
 
-/// Qt's own dialog would cut the names of its places and columns.
+/// Qt's dialog would truncate the names of its places and columns.
 static void makeRoom(QFileDialog& dialog) {
     constexpr int kPlaces = 120;
     dialog.resize(720, 460);
@@ -18,7 +18,7 @@ static void makeRoom(QFileDialog& dialog) {
         files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
 }
 
-/// Qt's dialog saves the folders that it has shown in a settings file of the user; the program writes only its own.
+/// Qt's dialog saves its recent folders in the user's settings; this program writes only its own files.
 static void keepNoHistory() {
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
 }

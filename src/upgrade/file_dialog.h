@@ -3,9 +3,8 @@
 
 #include <QFileDialog>
 
-/// Lets the operator choose a file, beginning with `preset` in the program's folder. The file need not exist.
+/// Lets the operator choose a file, starting with `preset` in the program's folder. The file need not exist.
 ///
-/// Modal on `owner`. Asks before an existing file is chosen for saving, and gives such a file the suffix "bin" if it
-/// has none.
-/// @return the path; empty when the dialog is cancelled
+/// Modal to `owner`. When saving, asks before replacing a file, and adds the suffix "bin" where there is none.
+/// @return the path; empty if cancelled
 QString chooseFile(QWidget& owner, QFileDialog::AcceptMode mode, const QString& preset);

@@ -13,7 +13,7 @@ FittedLabel::FittedLabel(QWidget* parent) : QLabel(parent) {
     setTextFormat(Qt::PlainText);
 }
 
-/// `font`, made smaller until `text` is no wider than `width`.
+/// `font`, reduced until `text` is no wider than `width`.
 static QFont fitted(QFont font, const QString& text, qreal width) {
     constexpr qreal kSmallestPoints = 6;
     constexpr qreal kStep = 0.25;

@@ -1,6 +1,6 @@
 /// Shows one line of plain text in the largest font, up to its own, in which the text fits the label's width.
 ///
-/// Where even the smallest readable font is too wide, the text ends in "…" and is whole in the tool tip.
+/// Where even the smallest readable font is too wide, the text is cut with "…", and the tool tip has all of it.
 #pragma once
 
 #include <QLabel>
@@ -9,10 +9,10 @@ class FittedLabel : public QLabel {
 public:
     explicit FittedLabel(QWidget* parent);
 
-    /// Writes the text in grey, as it also is while the label is disabled.
+    /// Shows the text in grey, as also while the label is disabled.
     void setGrey(bool grey);
 
-    /// Colour of the text: that of the window's texts, or a grey that can be read on a light and on a dark desktop.
+    /// Colour of the text: the window's, or a grey that can be read on light and dark desktops.
     QColor textColour() const;
 
 protected:

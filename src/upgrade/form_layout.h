@@ -16,7 +16,7 @@ struct ControlPlace {
     int height;
 };
 
-/// Puts the controls of `form` that carry the names in `places` where they belong.
+/// Moves the controls of `form` named in `places` to their places.
 template <std::size_t n>
 void placeControls(const QWidget& form, const ControlPlace (&places)[n]) {
     for (const ControlPlace& place : places)

@@ -46,7 +46,7 @@ constexpr ControlPlace kPlaces[] = {
     {"horizontalLine", 0, 2'520, 5'400, 30},     {"verticalLine", 3'720, 0, 30, 2'520},
 };
 
-/// Where the controls that service engineers see have room.
+/// Places for the service controls.
 constexpr ControlPlace kServicePlaces[] = {
     {"lblService", 3'840, 120, 1'515, 300},
     {"cmdPresent", 600, 3'120, 2'895, 315},
@@ -94,7 +94,7 @@ frmMain::frmMain() : content_(new QWidget) {
     connectControls();
 }
 
-/// Makes the controls in the order in which the keyboard visits them.
+/// Creates the controls in tab order.
 void frmMain::createControls() {
     addHeading(*content_, "lblPresent");
     addHeading(*content_, "lblRewriting");
@@ -163,7 +163,7 @@ void frmMain::subSetWindowTexts() {
         setWindowTitle(text(IDS_FRMMAIN_CAPTION));
         applyControlTexts(*this, kMainTexts);
     });
-    // Otherwise the rows would be in the system font, beside headings in the catalogue's.
+    // Otherwise the rows would be in the system font, next to headings in the catalogue's.
     for (QLabel* label : lblTitle)
         setCatalogueFont(*label);
     for (QLabel* label : lblVersion)
@@ -190,7 +190,7 @@ void frmMain::disableWindow() {
     focusBefore_ = focusWidget();
     content_->setEnabled(false);
     setCursor(Qt::WaitCursor);
-    // The work that follows may serve no window events for seconds.
+    // What follows may not serve window events for seconds.
     repaint();
 }
 
@@ -212,7 +212,7 @@ frmWait& frmMain::progressDialog() {
 
 void frmMain::showProgress() {
     progressDialog().start(kImageSize);
-    // A write cannot be cancelled, and has disabled the button.
+    // The write, which cannot be cancelled, has disabled the button.
     progressDialog().cmdCancel->setVisible(lblService != nullptr && progressDialog().cmdCancel->isEnabled());
 }
 
@@ -248,7 +248,7 @@ void frmMain::subSetAllVersion() {
     });
 }
 
-/// The chosen unit and the image are written normally, the other unit in grey.
+/// The target unit and the image are shown normally, the other unit in grey.
 void frmMain::optPresent_Click(int index) {
     runTrapped([this, index] {
         gUnitNo = index == 1 ? kInterfaceUnit : kSensorAmplifier;
@@ -268,7 +268,7 @@ TransferJob frmMain::chosenJob() const {
 void frmMain::showWrittenVersion(int unit) {
     const QString written = lblVersion[kImageRow]->text();
     lblVersion[rowOf(unit)]->setText(written);
-    // The unit's version is this one from now on: the next refresh of the rows must not bring the old one back.
+    // Keep it as the unit's version, or the next refresh of the rows would bring the old one back.
     (unit == kSensorAmplifier ? gAmpVersion : gIfuVersion) = written;
 }
 
@@ -343,7 +343,7 @@ void frmMain::startUpgrade() {
     run_.write(job);
 }
 
-/// Whether the sensor amplifier answers normally, or the operator wants to go on all the same.
+/// Whether the sensor amplifier answers normally, or the operator chooses to go on.
 bool frmMain::confirmCommunication() {
     return fncCheckSensorComm() == 0 || fncMsgBox(IDS_MSGERR_NOTCHECK_CONFIRM, kOkCancel) == kOk;
 }

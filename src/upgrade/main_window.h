@@ -1,7 +1,7 @@
-/// The operator's working screen: what the units hold, the loaded image, the target, and the buttons.
+/// The main window: the units' firmware, the loaded image, the target, and the buttons.
 ///
-/// Row 0 is the sensor amplifier, row 1 the interface unit, row 2 the loaded image. Closing the window in any way ends
-/// the program at once.
+/// Row 0 is the sensor amplifier, row 1 the interface unit, row 2 the loaded image. Closing the window ends the program
+/// at once.
 ///
 /// Verification and save are there, but their controls are hidden unless showServiceControls() is called.
 #pragma once
@@ -80,7 +80,7 @@ private:
 
     frmWait& progressDialog();
 
-    /// All controls: what is disabled during a run. The window itself is not, or it would have no cursor of its own.
+    /// All controls, disabled during a run. The window itself is not, since it would lose its cursor.
     QWidget* content_;
     std::array<QRadioButton*, 2> optPresent{};
     std::array<FittedLabel*, 3> lblTitle{};
@@ -91,9 +91,9 @@ private:
     QPushButton* cmdUpgrade;
     QPushButton* cmdEnd;
     QLabel* LabelWriteProtect;
-    QLabel* lblService = nullptr;  ///< null but for service engineers
+    QLabel* lblService = nullptr;  ///< null except for service engineers
     RawLine line_;
     TransferRun run_{*this, line_};
     std::unique_ptr<frmWait> frmWait_;  ///< null while the progress dialog is not loaded
-    QPointer<QWidget> focusBefore_;     ///< control that had the focus when the window was disabled
+    QPointer<QWidget> focusBefore_;     ///< control that had the focus before the window was disabled
 };

@@ -24,7 +24,7 @@ static constexpr ControlPlace kDialogPlaces[] = {
 
 static constexpr ControlText kWaitTexts[] = {{"cmdCancel", IDS_FRMWAIT_CMD_CANCEL, true}};
 
-/// What the dialog says of the loaded image, whatever the dialog is used for.
+/// The message that names the loaded image, whatever the dialog is used for.
 static QString progressMessage(const QString& imageName, const QString& imageVersion) {
     const QString before = textByLanguage({u" is under updating to ver", u" のソフトウェアを ver"});
     const QString after = textByLanguage({u".", u" にアップデート中です。"});
@@ -42,7 +42,7 @@ frmWait::frmWait(QWidget& owner, const QString& imageName, const QString& imageV
     setFixedSize(kDialogWidth / kTwipsPerPixel, kDialogHeight / kTwipsPerPixel);
     placeControls(*this, kDialogPlaces);
     cmdCancel->hide();
-    // Enter must not cancel by accident what takes minutes.
+    // Enter must not accidentally cancel a transfer of minutes.
     cmdCancel->setAutoDefault(false);
     prbComm->setAlignment(Qt::AlignCenter);
     refresh_.setInterval(gWaits.progressPainting);
@@ -58,7 +58,7 @@ frmWait::frmWait(QWidget& owner, const QString& imageName, const QString& imageV
 
 void frmWait::setMessage(const QString& message) {
     lblMsg->setText(message);
-    // Not by way of a buddy, which takes "&" for the mark of a key.
+    // Not with a buddy label, where "&" would mark a shortcut.
     prbComm->setAccessibleName(message);
 }
 

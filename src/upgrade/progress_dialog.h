@@ -12,12 +12,12 @@ class QLabel;
 class QProgressBar;
 class QPushButton;
 
-/// Names the image and shows how much of a transfer is done and how long the rest takes. Modeless.
+/// Names the image and shows the progress of a transfer and the time left. Modeless.
 ///
-/// Has no close box, and closing it by keyboard does nothing.
+/// Has no close box, and cannot be closed by keyboard.
 class frmWait : public QDialog {
 public:
-    /// Loads the dialog, hidden; it belongs to nobody but stays above `owner` and is centred on it.
+    /// Loads the dialog, hidden; it has no parent, but stays above `owner` and is centred on it.
     /// @param imageName, imageVersion  of the loaded image, which the message names
     /// @param cancel                   called when the operator presses "Cancel"
     frmWait(QWidget& owner, const QString& imageName, const QString& imageVersion, std::function<void()> cancel);
@@ -28,10 +28,10 @@ public:
     /// Replaces the message that names the image.
     void setMessage(const QString& message);
 
-    /// Moves the bar to `bytes`. Its painting does not hold the transfer up.
+    /// Moves the bar to `bytes`; painting does not delay the transfer.
     void setBytes(int bytes);
 
-    /// Ends a read early; hidden at load.
+    /// Cancels a read; hidden when the dialog is loaded.
     QPushButton* cmdCancel;
 
 protected:
@@ -47,11 +47,11 @@ private:
     QLabel* lblMsg;
     QProgressBar* prbComm;
     QTimer refresh_;
-    QElapsedTimer sinceFirst_;  ///< since the first bytes were done; before them the unit only prepares itself
-    int first_ = 0;             ///< those bytes
+    QElapsedTimer sinceFirst_;  ///< since the first progress; until then the unit prepares itself
+    int first_ = 0;             ///< bytes done at that time
     int bytes_ = 0;
 };
 
-/// Text of a QProgressBar: the share done, and the time that the rest of `total` bytes takes if those from `first` to
-/// `bytes` have taken `elapsed`. The share alone before a second has been measured.
+/// Text for a QProgressBar: the percentage, and the time left for `total` bytes if those from `first` to `bytes` took
+/// `elapsed`. In the first second, the percentage alone.
 QString progressText(std::chrono::milliseconds elapsed, int first, int bytes, int total);

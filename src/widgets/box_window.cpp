@@ -11,7 +11,7 @@
 
 #include <algorithm>
 
-/// The window that a box belongs to: the active one, otherwise any visible one.
+/// The parent of a box: the active window, otherwise any visible one.
 static QWidget* ownerWindow() {
     if (QWidget* modal = QApplication::activeModalWidget())
         return modal;
@@ -39,7 +39,7 @@ static QMessageBox::Icon iconOf(int style) {
     }
 }
 
-/// Width of the longest of `lines`, or of each of the equal parts into which it must be broken.
+/// Width of the longest of `lines`, or of the equal parts into which it must be wrapped.
 static int textWidth(const QFontMetrics& metrics, const QStringList& lines) {
     constexpr int kWidest = 620;
     constexpr int kRoomForUnevenParts = 40;
@@ -50,7 +50,7 @@ static int textWidth(const QFontMetrics& metrics, const QStringList& lines) {
     return parts == 1 ? longest : longest / parts + kRoomForUnevenParts;
 }
 
-/// Makes `box` wide enough for its title, which a short message would cut, and for lines that need not break early.
+/// Makes `box` wide enough for its title, even above a short message, and for evenly wrapped lines.
 static void makeRoom(QMessageBox& box) {
     constexpr int kFrameAndCloseBox = 120;
     constexpr int kIconAndMargins = 100;

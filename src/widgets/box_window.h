@@ -3,7 +3,7 @@
 
 #include "text/message_box.h"
 
-/// Shows `message`, modal, centred on the window that is in use, and waits for the answer.
+/// Shows `message`, modal, centred on the active window, and waits for the answer.
 ///
-/// Escape and the close box mean Cancel where that button is there, else OK. main() hands this to setMessageBoxes().
+/// Escape and the close box mean Cancel if there is such a button, else OK. main() passes this to setMessageBoxes().
 MsgBoxResult showBoxWindow(const MessageBox& message);

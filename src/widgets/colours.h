@@ -3,11 +3,11 @@
 
 #include <QColor>
 
-/// A grey between a window's `text` and its `ground`, which can be read on it, unlike that of many styles.
+/// A grey between a window's `text` and `ground` colours; readable, unlike that of many styles.
 QColor readableGrey(const QColor& text, const QColor& ground);
 
-/// Where windows are dark, gives disabled buttons a text that can be read, and option buttons and check boxes an
-/// outline that can be seen. The style takes shades of the dark window for them.
+/// On dark desktops, makes the text of disabled buttons and the outline of option buttons and check boxes visible: the
+/// style uses shades of the dark window for them.
 ///
-/// Call it once, before the first window.
+/// Call once, before the first window.
 void repairDarkPalette();

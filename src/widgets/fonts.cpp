@@ -9,7 +9,7 @@
 
 #include <algorithm>
 
-/// Without one of these the system would take any font that has the characters, a Chinese or a mincho one as well.
+/// Without one of these the system picks any font that has the characters, even a Chinese or a mincho one.
 static const QStringList kGothicFonts{
     QStringLiteral("IPAPGothic"),    QStringLiteral("IPAexGothic"),     QStringLiteral("Noto Sans CJK JP"),
     QStringLiteral("Noto Sans JP"),  QStringLiteral("VL PGothic"),      QStringLiteral("TakaoPGothic"),
@@ -17,9 +17,9 @@ static const QStringList kGothicFonts{
     QStringLiteral("Yu Gothic UI"),  QStringLiteral("Meiryo UI"),       QStringLiteral("MS PGothic"),
 };
 
-/// `family` for what it has, the gothic fonts for the rest.
+/// `family`, with the gothic fonts as fallback.
 static QStringList families(const QString& family) {
-    // Has the widths of the catalogue's English font, which few systems have.
+    // Metric-compatible with the catalogue's English font, which few systems have.
     return QStringList{family, QStringLiteral("Liberation Sans")} + kGothicFonts;
 }
 

@@ -3,11 +3,11 @@
 
 class QWidget;
 
-/// Lets every text of the program show its Japanese characters in a Japanese gothic font.
+/// Makes the program show Japanese characters in a Japanese gothic font.
 ///
-/// Call it once, before the first window, when the program's folder is known. Where the system has none of the usual
-/// ones, the font that lies in the folder `fonts` beside the program is taken.
+/// Call once, before the first window, after setting the program's folder. Where the system has none of the usual
+/// fonts, uses the one in the folder `fonts` beside the program.
 void useGothicFonts();
 
-/// Sets the font name of `control` to gFontName; size and style stay.
+/// Sets the font name of `control` to gFontName; keeps size and style.
 void setCatalogueFont(QWidget& control);

@@ -39,7 +39,7 @@ static void subLoadMessageTexts() {
     gNoPortText = text(IDS_MSGERR_COMM_NO_PORT);
 }
 
-/// Lets Qt's own texts, such as those of its file dialog, speak the language of the offset.
+/// Sets the language of Qt's own texts, such as those of its file dialog, to that of the offset.
 static void translateQt() {
     static QTranslator japanese;
     static const bool loaded = japanese.load(QStringLiteral(":/translations/qtbase_ja.qm"));

@@ -1,4 +1,4 @@
-/// What the texts of all forms have in common. The texts of a form stand with the form.
+/// What the texts of all forms share. The texts of a form are in the form's own source.
 #pragma once
 
 #include "text/string_table.h"
@@ -9,7 +9,7 @@
 #include <functional>
 #include <span>
 
-/// Font of labels and buttons, in the language current when a form's texts were last applied; as the two below.
+/// Font of labels and buttons; like the two below, in the language in which a form's texts were last applied.
 extern QString gFontName;
 /// Filter of the file dialogs: description, bar, pattern, two bars.
 extern QString gFilterText;
@@ -24,19 +24,19 @@ Control* addControl(QWidget& form, const QString& name) {
     return control;
 }
 
-/// One control of a form, its text, and whether it takes the catalogue's font.
+/// One control of a form, its text, and whether it uses the catalogue's font.
 struct ControlText {
     const char* control;
     StringId id;
     bool catalogueFont;
 };
 
-/// Fixes the language offset, the three texts above and the language of Qt's own texts, then runs `setTexts`, which
-/// applies the texts of one form.
+/// Sets the language offset, the three texts above and the language of Qt's own texts, then calls `setTexts` to apply
+/// the texts of one form.
 ///
-/// A failure is reported, and the remaining texts of that form are not applied.
+/// A failure is reported, and the form's remaining texts are not applied.
 void subApplyLanguage(const std::function<void()>& setTexts);
 
-/// Sets the texts and fonts of the controls of `form` that carry the names in `texts`.
+/// Sets the texts and fonts of the controls of `form` named in `texts`.
 /// @throws RuntimeFailure  there is no such control
 void applyControlTexts(const QWidget& form, std::span<const ControlText> texts);

@@ -10,8 +10,8 @@ namespace units::test {
 
 using Texts = std::vector<std::string>;
 
-/// Gives bytes to a machine on a line on which nothing takes time.
-/// @return all that it sends
+/// Feeds bytes to a machine on a line without delays.
+/// @return what it sends
 static std::string feed(Machine& machine, const std::string& bytes) {
     std::string answers;
     for (const std::uint8_t byte : bytesOf(bytes)) {
@@ -24,20 +24,20 @@ static std::string feed(Machine& machine, const std::string& bytes) {
     return answers;
 }
 
-/// Nothing comes any more, for longer than the machine waits for the rest of something.
+/// The line stays silent for longer than the machine waits for the rest of a frame or packet.
 static void beSilent(Machine& machine) {
     if (const auto deadline = machine.deadline())
         machine.timeout(*deadline);
 }
 
-/// A request of this text, with a right check byte.
+/// A request with this text and a correct check byte.
 static std::string framed(const std::string& text) {
     return '\x02' + text + '\x03' + char(blockCheck(bytesOf(text + '\x03')));
 }
 
 static std::string request(const std::string& command) { return framed("00000" + command); }
 
-/// A well-formed packet under a number that need not be in range.
+/// A well-formed packet with this number, which need not be in range.
 static std::string packet(unsigned number) {
     const std::string payload(kBlockSize, char(number * 7));
     const unsigned crc = crc16(bytesOf(payload));
@@ -85,7 +85,7 @@ TEST(Units, RefuseUnknownCommands) {
     }
 }
 
-TEST(Units, KeepTheOrderOfOperations) {
+TEST(Units, EnforceTheOrderOfOperations) {
     const std::pair<const char*, Texts> cases[] = {
         // fault; open 0, download 1, upload 2, finish 3, end of transfer 4, and "!" after a refused one
         {"lost@0601", {"0143", "00143343", "243", "04301", "1!", "01431!", "2431!", "4!", "3!", "03!", "014303!"}},
@@ -110,9 +110,9 @@ TEST(Units, KeepTheOrderOfOperations) {
         }
 }
 
-TEST(Units, ComplainOfWhatDoesNotBelongToADownload) {
+TEST(Units, ReportViolationsDuringADownload) {
     const std::tuple<unsigned, std::string, std::string, Texts> cases[] = {
-        // packets before, bytes, answer, complaints
+        // packets before, bytes, answer, violations
         {3, packet(5), "", {"packet number 5 after 3 blocks"}},
         {3, packet(2), "", {"packet number 2 after 3 blocks"}},
         {1920, packet(1921), "", {"packet number 129 after 1920 blocks"}},
@@ -125,7 +125,7 @@ TEST(Units, ComplainOfWhatDoesNotBelongToADownload) {
          {"packet after 0 blocks: number and complement do not fit: 01 01 -> NAK"}},
         {2, "\x18\x01", "", {"a single CAN"}},
         {2, "\x18", "", {"a single CAN"}},
-        {2, "\x01\x03\xFC\x01", "", {"packet broken off after 4 bytes -> NAK"}},
+        {2, "\x01\x03\xFC\x01", "", {"packet incomplete after 4 bytes -> NAK"}},
         {1919, "\x04", "\x15", {"EOT after 1919 blocks -> NAK"}},
         {0, "\x18\x18", "", {}},
         {7, "\x01\x08\xF7\x01\x18\x18", "", {}},
@@ -142,13 +142,13 @@ TEST(Units, ComplainOfWhatDoesNotBelongToADownload) {
     }
 }
 
-TEST(Units, ComplainOfWhatDoesNotBelongToAnUpload) {
+TEST(Units, ReportViolationsDuringAnUpload) {
     const std::pair<const char*, Texts> cases[] = {
         {"\x15\x06\x15\x06", {}},
         {"\x15\x06\x06", {"ACK of the first EOT"}},
-        {"\x15\x06\x15\x15", {"NAK of a later EOT than the first"}},
+        {"\x15\x06\x15\x15", {"NAK of an EOT after the first"}},
         {"\x15\x18\x06", {"a single CAN"}},
-        {"\x15x", {"byte that does not answer a block: 78"}},
+        {"\x15x", {"unexpected answer to a block: 78"}},
     };
     for (const auto& [bytes, complaints] : cases) {
         Units units;
