@@ -1,4 +1,4 @@
-/// Soak run: upgrades and saves without end in one process, with random faults; nothing may grow.
+/// Soak run: upgrades and saves in one process, with random faults; nothing may grow.
 ///
 /// usage: soak ROUNDS SEED
 #include "support/main_window_rig.h"
@@ -18,7 +18,7 @@ struct Footprint {
     long kilobytes = 0;   ///< resident memory
     qsizetype files = 0;  ///< open descriptors
     qsizetype windows = 0;
-    int wakeUps = 0;  ///< in half a second in which there is nothing to do: timers that were forgotten
+    int wakeUps = 0;  ///< in an idle half second: shows forgotten timers
 };
 
 long residentKilobytes() {
@@ -42,7 +42,7 @@ public:
     }
 
     Footprint footprint() {
-        // What belongs to the last round must not count.
+        // Leftovers of the last round must not count.
         subPortClose();
         simulator.reset();
         Footprint now;
@@ -58,7 +58,7 @@ public:
         return now;
     }
 
-    /// One upgrade or save, of one unit or the other, with a fault in two of three rounds.
+    /// One upgrade or save of either unit, with a fault in two of three rounds.
     void round() {
         const bool amplifier = chance(2);
         const bool write = chance(2);

@@ -1,5 +1,5 @@
-/// The information block of an image and the type tables: version word (2 bytes), type key (16 bytes), then the
-/// `TYPE.INI` that is there.
+/// The information block of an image and the type tables: version word (2 bytes), type key (16 bytes), then the content
+/// of `TYPE.INI`.
 #include "upgrade/image_info.h"
 #include "app/type_tables.h"
 #include "support/input.h"
@@ -24,7 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     require(tables.open(QIODevice::WriteOnly), "the program's folder is writable");
     tables.write(QByteArray::fromStdString(input.rest()));
     tables.close();
-    // The other bytes of the image mean nothing.
+    // The other bytes of the image do not matter.
     gImageBuf.fill('\xEE', kImageSize + 1);
     gImageBuf.replace(0x3BF05, 2, info.left(2));
     gImageBuf.replace(0x3BF10, 16, info.mid(2));
@@ -33,7 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         takeImageInfo();
     } catch (const RuntimeFailure& f) {
         require(f.number() == failure::kSubscript || f.number() == failure::kOverflow, "the failure is a known one");
-        require(gFileTypeName.isEmpty(), "an image that no range has been found for has no name");
+        require(gFileTypeName.isEmpty(), "an image without a range has no name");
     }
     require(version.match(gFileVersion).hasMatch(), "the version is written as 0.000");
     require(gFileTypeName.size() <= 126, "the name is a value of the file");

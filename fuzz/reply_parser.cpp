@@ -1,4 +1,4 @@
-/// The bytes of a reply: first byte of the input: 1 raw data, 2 a frame is put around what follows.
+/// The bytes of a reply. First byte of the input: bit 0 raw data, bit 1 wraps the rest in a frame.
 #include "link/frame.h"
 #include "support/input.h"
 #include "system/runtime_failure.h"

@@ -1,7 +1,7 @@
 /// A whole run against a hostile unit: any replies, any bytes, at any time.
 ///
 /// First byte of the input: bit 0 a save, bit 1 "Verification" ticked, bit 2 Cancel in the middle. The others say what
-/// the unit does: see HostileUnit. When the input is used up, the unit is silent.
+/// the unit does: see HostileUnit. At the end of the input, the unit falls silent.
 #include "link/protocol_words.h"
 #include "support/input.h"
 #include "text/message_box.h"
@@ -10,7 +10,7 @@
 
 #include <QCoreApplication>
 
-/// First byte of its script: the raw send at which the port fails, an eighth of its number; 0: none.
+/// First byte of its script: number of the raw send at which the port fails, divided by 8; 0: none.
 class HostileUnit final : public MemoryLine {
 public:
     HostileUnit(Input& script, QStringList& told) : MemoryLine(told), script_(script) {
@@ -19,7 +19,7 @@ public:
         input = blocks;
     }
 
-    /// 0 to 0xDF: carried out; above: refused.
+    /// Up to 0xDF: carried out; above: refused.
     QString operation(const QString& code, int unit) override {
         require(unit == kInterfaceUnit, "a run keeps its unit");
         if (script_.byte() >= 0xE0)
@@ -32,7 +32,7 @@ public:
         require(isDue, "only what is due goes out");
         return MemoryLine::fncSendRaw(bytes);
     }
-    /// The next block; above: any bytes, after their number.
+    /// The next block; above: a count, then any bytes.
     QByteArray received() override {
         return next() < 0xE0 ? MemoryLine::received() : QByteArray::fromStdString(script_.bytes(script_.byte()));
     }
@@ -49,7 +49,7 @@ protected:
     }
 
 private:
-    /// What the unit sends next. 0 to 0xDF: what is due, 16 times so often and once more.
+    /// What the unit sends next. Up to 0xDF, n: what is due, 16 n + 1 times.
     std::uint8_t next() {
         if (due_ == 0) {
             const std::uint8_t what = script_.empty() ? 0xFF : script_.byte();

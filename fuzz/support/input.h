@@ -1,4 +1,4 @@
-/// What a fuzz target is made with.
+/// Helpers for fuzz targets.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <string>
 
-/// Says which invariant does not hold, and aborts, which the fuzzer and the tests take for a crash.
+/// If the invariant does not hold, says which and aborts, which counts as a crash.
 inline void require(bool holds, const char* invariant) {
     if (holds)
         return;
@@ -15,14 +15,14 @@ inline void require(bool holds, const char* invariant) {
     std::abort();
 }
 
-/// The bytes of an input, taken from front to back. Used up, it gives zeros and empty texts.
+/// The bytes of an input, from front to back; then zeros and empty texts.
 class Input {
 public:
     Input(const std::uint8_t* bytes, std::size_t size) : left_(reinterpret_cast<const char*>(bytes), size) {}
 
     bool empty() const { return left_.empty(); }
 
-    /// The next `most` bytes, or as many as are left.
+    /// The next `most` bytes, or fewer at the end.
     std::string bytes(std::size_t most) {
         const std::string taken = left_.substr(0, most);
         left_.erase(0, taken.size());

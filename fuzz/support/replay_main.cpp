@@ -1,4 +1,4 @@
-/// Runs a fuzz target once over each file in the folders that are named.
+/// Runs a fuzz target on each file in the given folders.
 #include <cstdint>
 #include <filesystem>
 #include <fstream>

@@ -25,7 +25,7 @@ TEST_F(IniFile, ValuesFollowTheReadingRules) {
     EXPECT_EQ(user.said(), QStringList());
 }
 
-TEST_F(IniFile, IsUtf8IfItCanBeElseCp932) {
+TEST_F(IniFile, IsDecodedAsUtf8OrElseCp932) {
     for (const auto& [content, value] : {std::pair{"[s]\nアンプ = センサ～", "センサ～"},
                                          {"\xef\xbb\xbf[s]\nアンプ = センサ～", "センサ～"},
                                          {"[s]\n\xb1\xdd\xcc\xdf = \x83\x5a\x83\x93\x83\x54\x81\x60", "センサ～"},
@@ -35,7 +35,7 @@ TEST_F(IniFile, IsUtf8IfItCanBeElseCp932) {
     }
 }
 
-TEST_F(IniFile, AFileThatCannotBeReadIsReportedWithTheReason) {
+TEST_F(IniFile, AnUnreadableFileIsReportedWithTheReason) {
     const auto reported = [](const QString& reason) {
         return QStringList("アプリケーションで異常が発生しました。 / RES : " + reason);
     };
@@ -52,11 +52,11 @@ TEST_F(IniFile, AFileThatCannotBeReadIsReportedWithTheReason) {
     }
 }
 
-TEST(List, KeepsEmptyItemsTrimsAndStopsAt101) {
+TEST(List, IsSplitAtCommas) {
     QString list = " a ,, b\tc ,\td";
     EXPECT_EQ(fncSplitList(list), 4);
     EXPECT_EQ(gListItems, QStringList({"a", "", "b c", "d"}));
-    EXPECT_EQ(list, " a ,, b c , d") << "the caller's text changes too";
+    EXPECT_EQ(list, " a ,, b c , d") << "tabs in the caller's text are replaced too";
     QString many = QString("x,").repeated(149);
     EXPECT_EQ(fncSplitList(many), 101);
 }

@@ -11,7 +11,7 @@
 
 class Settings : public ProgramTest {
 protected:
-    /// Presses these buttons in the language dialog that opens next, and notes what it shows.
+    /// Presses these buttons in the next language dialog, and records what it shows.
     void answerDialog(const std::vector<const char*>& presses) {
         QTimer::singleShot(0, [this, presses] {
             QWidget* dialog = QApplication::activeModalWidget();
@@ -28,7 +28,7 @@ protected:
     }
 
     User user;
-    QString seen;  ///< texts of the language dialog; the preselected one begins with "*", the focus ends with "_"
+    QString seen;  ///< texts of the language dialog; "*" marks the selected one, "_" the focus
 };
 
 static constexpr auto kEnglishDialog = "Dravolt Select Language Japanese *English_ OK Cancel";
@@ -36,7 +36,7 @@ static constexpr auto kJapaneseDialog = "Dravolt 言語選択 *日本語_ 英語
 
 TEST_F(Settings, LanguageAndPortComeFromTheFile) {
     const std::tuple<const char*, int, const char*, int> cases[] = {
-        // text, what it stands for, text, what it stands for
+        // Language, its meaning, COM, its meaning
         {"JAPANESE ' remark", 0, "3", 3},
         {"japanese", 1, "abc", 1},
         {"E", 1, "3x", 1},
@@ -54,7 +54,7 @@ TEST_F(Settings, LanguageAndPortComeFromTheFile) {
     EXPECT_EQ(user.said().filter(": 4294967296 ").size(), 1);
 }
 
-TEST_F(Settings, WithoutALanguageTheOperatorIsAskedInThatOfTheSystem) {
+TEST_F(Settings, AMissingLanguageIsAskedForInTheSystemLanguage) {
     answerDialog({"optLanguage(0)", "cmdOK"});
     EXPECT_TRUE(fncReadSetting());
     EXPECT_EQ(seen, kEnglishDialog);
@@ -62,9 +62,9 @@ TEST_F(Settings, WithoutALanguageTheOperatorIsAskedInThatOfTheSystem) {
     EXPECT_FALSE(QFile::exists(file("Setting.INI"))) << "the choice holds for this run only";
 }
 
-TEST_F(Settings, OnlyOkTakesTheChosenLanguage) {
+TEST_F(Settings, OnlyOkChangesTheLanguage) {
     const std::tuple<int, std::vector<const char*>, const char*, int> cases[] = {
-        // language before, what is pressed, what is seen, language after
+        // language before, buttons pressed, texts shown, language after
         {0, {"cmdOK"}, kJapaneseDialog, 0},
         {0, {"optLanguage(1)", "cmdOK"}, kJapaneseDialog, 1},
         {0, {"optLanguage(1)", "cmdCancel"}, kJapaneseDialog, 0},

@@ -34,7 +34,7 @@ protected:
                   "[OPERATION]\nLanguage=" + QByteArray(language) + "\n[IFU]\nCOM=" + QByteArray::number(port) + "\n");
     }
 
-    /// What the operator can choose and press.
+    /// The controls that the operator can use.
     QString offered() const {
         QString texts = ports().itemText(0) + '-' + ports().itemText(ports().count() - 1) + ' ' + ports().currentText();
         for (const auto* button : form.findChildren<QPushButton*>())
@@ -53,11 +53,11 @@ protected:
     frmStartUp form{mainWindow};
 };
 
-TEST_F(StartUp, ASecondCopySaysSoAndEndsBeforeItTouchesThePort) {
+TEST_F(StartUp, ASecondCopyEndsBeforeItOpensThePort) {
     const QString lock = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) + "/dravolt.lock";
     const int other = ::open(qPrintable(lock), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (::flock(other, LOCK_EX | LOCK_NB) != 0)
-        GTEST_SKIP() << "this process is the first copy, for good";
+        GTEST_SKIP() << "this process already counts as the first copy";
     plug({});
     for (const auto& [language, said] : {std::pair{"ENGLISH", "This application is already started."},
                                          {"JAPANESE", "既にこのアプリケーションは起動されています。"}}) {
@@ -69,11 +69,11 @@ TEST_F(StartUp, ASecondCopySaysSoAndEndsBeforeItTouchesThePort) {
     ::close(other);
 }
 
-TEST_F(StartUp, EndsTheProgramOrHandsOverAfterWhatTheUnitsAnswer) {
+TEST_F(StartUp, ContinuesOrEndsAsTheUnitsAnswer) {
     const std::vector<std::string> all{"0501", "0601", "0101D40001000001", "0101D50001000001", "0501"};
     const QString notConnected = "Unit connection state is unusual.";
     const std::tuple<const char*, int, const char*, QStringList> cases[] = {
-        // what the units do, requests until then, rows of the units (null: the program ends), what is said
+        // fault, requests until then, rows of the units (null: the program ends), messages
         {"", 5, "AMP-A 0.500, IFU-D 1.004", {}},
         {"data:0xB1DD20202020202020202020202020205632@0501#2", 5, "AMP-A 0.500, IFU-D 2", {}},
         {"data:0123456789ABCDEFV1234567@0501#2", 5, "AMP-A 0.500, IFU-D 123456", {}},
@@ -98,7 +98,7 @@ TEST_F(StartUp, EndsTheProgramOrHandsOverAfterWhatTheUnitsAnswer) {
         gAmpTypeName = gAmpVersion = QString();
         gIfuTypeName = gIfuVersion = "old";
         mainWindow.calls.clear();
-        // Only silence is waited for; what comes may be late on a busy machine.
+        // Short time-outs only where nothing comes: answers may be late on a busy machine.
         gWaits.reply = QLatin1String(fault).startsWith(QLatin1String("silence")) ? 100ms : 5s;
         plug({fault});
         if (rows == nullptr) {
@@ -116,7 +116,7 @@ TEST_F(StartUp, EndsTheProgramOrHandsOverAfterWhatTheUnitsAnswer) {
     EXPECT_EQ(user.boxes().at(2).style, kQuestion) << "two sensors";
 }
 
-TEST_F(StartUp, AFailedFirstTestOffersThePortsInTheLanguageOfTheSettings) {
+TEST_F(StartUp, AFailedFirstTestOffersThePorts) {
     const std::tuple<const char*, int, const char*, const char*> cases[] = {
         {"ENGLISH", 5,
          "The present communication port(COM5)is not effective. | It is a receiving timeout error. | "
@@ -139,7 +139,7 @@ TEST_F(StartUp, AFailedFirstTestOffersThePortsInTheLanguageOfTheSettings) {
     }
 }
 
-TEST_F(StartUp, SetTriesTwiceAndThenTellsThePort) {
+TEST_F(StartUp, SetTriesTwiceThenNamesThePort) {
     plug({"silence@0501*3"});
     form.load();
     ASSERT_EQ(user.said(), QStringList{"An error is in a setup of a COM port.Please check."});

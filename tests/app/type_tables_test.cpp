@@ -6,7 +6,7 @@
 
 #include <cmath>
 
-TEST(Numbers, TheLongestLeadingPartCountsAndHalvesGoToTheEvenNumber) {
+TEST(Numbers, AreReadFromThePrefixAndRoundedHalfToEven) {
     const std::pair<const char*, double> cases[] = {
         {"1 2 kg", 12}, {"-1.5e2x", -150}, {"+.5", .5}, {"3.", 3}, {"&H1F", 31}, {"&hffzz", 255}, {"abc", 0},  {"", 0},
         {"e5", 0},      {"1e", 1},         {"&H", 0},   {"-", 0},  {"1D2", 100}, {"0x10", 0},     {"１２", 0}, {".", 0},
@@ -38,9 +38,9 @@ TEST_F(TypeTables, GiveNameAndVersionOfAUnit) {
         const QString found = fncGetAmpType(kind, number, name, offset) ? "found" : "unknown";
         EXPECT_EQ(found + ' ' + name + ' ' + QString::number(offset), result) << kind << " " << number;
     }
-    EXPECT_THROW(fncGetAmpType("0C", 12000, name, offset), RuntimeFailure) << "an entry without a name";
-    EXPECT_THROW(fncGetAmpType("0D", 1, name, offset), RuntimeFailure) << "a difference above 32 bits";
+    EXPECT_THROW(fncGetAmpType("0C", 12000, name, offset), RuntimeFailure) << "entry without a name";
+    EXPECT_THROW(fncGetAmpType("0D", 1, name, offset), RuntimeFailure) << "difference above 32 bits";
     EXPECT_EQ(fncGetIfuDefine("  model 1 ", "IFU_TYPE"), "IFU-1");
-    EXPECT_EQ(fncGetIfuDefine("MODEL 2", "IFU_TYPE"), "") << "a definition that is not there";
+    EXPECT_EQ(fncGetIfuDefine("MODEL 2", "IFU_TYPE"), "") << "missing definition";
     EXPECT_EQ(fncGetIfuDefine("MODEL 1", "IFU_BIN_TYPE"), "") << "another section";
 }

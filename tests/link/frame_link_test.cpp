@@ -22,7 +22,7 @@ protected:
     QElapsedTimer clock;
 };
 
-TEST_F(FrameLink, OldBytesAnswerNoOtherCommand) {
+TEST_F(FrameLink, StaleBytesAreNotTakenForAReply) {
     unitsWith({"delay:300@0501", "repeat@300550"});
     EXPECT_EQ(send("0501", 200ms), "9999");
     EXPECT_EQ(data, QByteArray(451, '\0'));
@@ -31,11 +31,11 @@ TEST_F(FrameLink, OldBytesAnswerNoOtherCommand) {
         EXPECT_EQ(send("300550010000"), "0000");
         EXPECT_EQ(data.toHex(), "30050000");
     }
-    EXPECT_EQ(readFile("PelkLog.txt"), "") << "silence is no unusable reply";
+    EXPECT_EQ(readFile("PelkLog.txt"), "") << "silence is not logged";
     EXPECT_FALSE(gblnCommBusy);
 }
 
-TEST_F(FrameLink, WaitsAsleepToTheDeadlineWhateverDribblesIn) {
+TEST_F(FrameLink, SleepsUntilTheDeadlineWhileBytesTrickleIn) {
     for (const auto& [fault, result] : {std::pair{"delay:1000@0501", "9999"}, {"split:30@0501", ""}}) {
         unitsWith({fault});
         const std::clock_t used = std::clock();
@@ -59,14 +59,14 @@ TEST_F(FrameLink, LogsEachUnusableReplyOnItsOwnLine) {
               "TIME [NG2] S:True E:True B:False P:False U:450 A:30 05 00 00 \r\n");
 }
 
-TEST_F(FrameLink, ALogThatIsNoFileIsAFailureThatLeavesNoMark) {
+TEST_F(FrameLink, ALogThatIsAPipeDoesNotLeaveTheLinkBusy) {
     unitsWith({"bcc@300550"});
     ASSERT_EQ(::mkfifo(qPrintable(file("PelkLog.txt")), 0600), 0);
     EXPECT_THROW(send("300550010000"), RuntimeFailure);
     EXPECT_FALSE(gblnCommBusy);
 }
 
-TEST_F(FrameLink, AFailedExchangeHoldsTheNextOneUp) {
+TEST_F(FrameLink, AFailedExchangeDelaysTheNext) {
     unitsWith({"data:xx@0501"});
     EXPECT_THROW(send("0501"), RuntimeFailure) << "no hexadecimal pair";
     gWaits.exchangeMark = 150ms;
@@ -78,7 +78,7 @@ TEST_F(FrameLink, AFailedExchangeHoldsTheNextOneUp) {
     EXPECT_TRUE(served) << "events are served meanwhile";
 }
 
-TEST_F(FrameLink, ACommunicationFaultIsSaidAtTheThirdAttempt) {
+TEST_F(FrameLink, ACommunicationErrorIsShownAtTheThirdAttempt) {
     unitsWith({"response:1234@0501*3"});
     for (gintCommRetry = 2; gintCommRetry <= 3; ++gintCommRetry) {
         EXPECT_EQ(user.said(), QStringList{});

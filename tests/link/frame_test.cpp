@@ -5,12 +5,12 @@
 
 #include <gtest/gtest.h>
 
-TEST(RequestFrame, IsTheExactBytes) {
+TEST(RequestFrame, HasTheExactBytes) {
     EXPECT_EQ(buildRequestFrame("0501"), QByteArray::fromHex("023030303030303530310337"));
     EXPECT_EQ(buildRequestFrame("0101d40001000001"), buildRequestFrame("0101D40001000001"));
 }
 
-/// A reply frame around `text`, which begins with the node number; its check byte is right.
+/// A reply frame with a correct check byte around `text`, which begins with the node number.
 static QByteArray replyFrame(const QByteArray& text) {
     char check = 0x03;
     for (const char c : text)
@@ -23,14 +23,14 @@ static QByteArray damaged(QByteArray frame) {
     return frame;
 }
 
-/// Takes the bytes up to the end of the reply.
+/// Feeds the parser up to the end of the reply.
 static ReplyParser parsed(const QByteArray& bytes, bool raw, QByteArray& data) {
     ReplyParser parser(raw, data);
     std::ignore = std::any_of(bytes.begin(), bytes.end(), [&parser](char byte) { return parser.take(byte); });
     return parser;
 }
 
-TEST(Reply, IsTakenApart) {
+TEST(Reply, IsParsed) {
     const std::tuple<QByteArray, bool, const char*, QByteArray> cases[] = {
         // text, raw, result, data
         {"00000005010000", false, "0000", "05010000"},
@@ -48,7 +48,7 @@ TEST(Reply, IsTakenApart) {
     }
 }
 
-TEST(Reply, IsLoggedWhenItIsUnusable) {
+TEST(Reply, IsLoggedIfUnusable) {
     const QByteArray good = replyFrame("00000005010000");
     const std::tuple<const char*, QByteArray, const char*, const char*> cases[] = {
         // name, bytes, result, log record
@@ -73,7 +73,7 @@ TEST(Reply, IsLoggedWhenItIsUnusable) {
     }
 }
 
-TEST(Reply, FailsWhereItCannotBeRead) {
+TEST(Reply, ThrowsIfMalformed) {
     QByteArray data;
     for (const QByteArray& text : {QByteArray("0000000501G0"), QByteArray("0000000501000G"), QByteArray("000000050100"),
                                    QByteArray(6 + 2 * 452, '0')})

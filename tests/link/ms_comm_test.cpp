@@ -20,7 +20,7 @@
 
 using namespace std::chrono_literals;
 
-/// What a serial driver makes of the line that the program sets, as there is no serial hardware here.
+/// Alters the settings like a driver that does not support them, in place of serial hardware.
 static void (*gDriver)(termios&) = nullptr;
 
 extern "C" int __real_tcsetattr(int port, int when, const termios* line);
@@ -49,14 +49,14 @@ protected:
 
     static bool opens(int number = 1) { return fncPortOpen(number, QStringLiteral("38400,n,8,1")); }
 
-    /// What standard error says of a failure to open the port; empty if it opens.
+    /// The message on standard error if the port does not open; empty if it does.
     static QString failureToOpen(int number = 1) {
         testing::internal::CaptureStderr();
         opens(number);
         return QString::fromStdString(testing::internal::GetCapturedStderr()).section("dravolt: ", 1).trimmed();
     }
 
-    /// What comes to the unit, up to `most` bytes, until the line is silent for a while.
+    /// What the unit receives, up to `most` bytes, until the line falls silent.
     QByteArray received(qsizetype most = 1'000'000, int silenceMs = 50) const {
         QByteArray all;
         char byte = 0;
@@ -68,11 +68,11 @@ protected:
 
     User user;
     QString device;
-    int unit = -1;   ///< the far side of a pseudo-terminal
-    int other = -1;  ///< another program has the port open
+    int unit = -1;   ///< master of a pseudo-terminal
+    int other = -1;  ///< slave, held open by another program
 };
 
-TEST_F(Port, SetsTheLineWhateverItWas) {
+TEST_F(Port, SetsTheLineFromAnyState) {
     termios line{};
     ::tcgetattr(other, &line);
     line.c_cflag |= CSTOPB | CRTSCTS;
@@ -83,11 +83,11 @@ TEST_F(Port, SetsTheLineWhateverItWas) {
     ASSERT_TRUE(opens());
     EXPECT_EQ(gobjComm->input(1000), "");
     ::tcgetattr(other, &line);
-    EXPECT_EQ(line.c_iflag | line.c_oflag | line.c_lflag, 0U) << "nothing is changed, echoed or waited for";
+    EXPECT_EQ(line.c_iflag | line.c_oflag | line.c_lflag, 0U) << "raw, without echo or flow control";
     EXPECT_EQ(line.c_cflag & ~tcflag_t{HUPCL}, tcflag_t{B38400 | CS8 | CLOCAL | CREAD});
 }
 
-TEST_F(Port, ThatIsMissingIsToldFromOneThatDoesNotOpen) {
+TEST_F(Port, ReportsMissingAndUnopenablePortsDifferently) {
     writeFile("com6", "no device");
     for (const auto& [number, target] : {std::pair{4, "/nowhere"}, {5, "/"}, {7, "/dev/zero"}})
         linkPort(number, target);
@@ -104,7 +104,7 @@ TEST_F(Port, ThatIsMissingIsToldFromOneThatDoesNotOpen) {
         {6, notOpening, noPort},
         {7, notOpening, noPort},
         {1, "", ""},
-        {1, notOpening, ""},  // it is open
+        {1, notOpening, ""},  // already open
     };
     for (const auto& [number, box, causeEnd] : cases) {
         const QString cause = failureToOpen(number);
@@ -113,18 +113,18 @@ TEST_F(Port, ThatIsMissingIsToldFromOneThatDoesNotOpen) {
     }
 }
 
-TEST_F(Port, IsTheLinkInTheFolderOfPortsBeforeTheOneBesideTheProgram) {
+TEST_F(Port, PrefersTheLinkInThePortsFolder) {
     const QString link = file("ports/com1");
     QDir(file({})).mkdir("ports");
     ASSERT_TRUE(QFile::link("/nowhere", link));
-    EXPECT_FALSE(opens()) << "a link that leads nowhere does not make another device the port";
+    EXPECT_FALSE(opens()) << "a dangling link does not fall back to another device";
     QFile::remove(link);
     ASSERT_TRUE(QFile::link(device, link));
     linkPort(1, "/nowhere");
     EXPECT_TRUE(opens());
 }
 
-TEST_F(Port, WithoutRightsIsAFailureThatSaysWhatHelps) {
+TEST_F(Port, NamesTheRemedyForMissingPermission) {
     constexpr uid_t kNobody = 65534;
     const uid_t own = ::geteuid();
     ASSERT_EQ(::chmod(qPrintable(file({})), 0755), 0);
@@ -135,26 +135,26 @@ TEST_F(Port, WithoutRightsIsAFailureThatSaysWhatHelps) {
     EXPECT_EQ(cause.section(": ", 1), "open: Permission denied。ユーザーをグループ dialout に追加してください");
 }
 
-TEST_F(Port, StaysAwayFromAPortThatAnotherProgramHolds) {
+TEST_F(Port, LeavesAPortInUseUntouched) {
     const QString inUse = "他のプログラムがポートを使用しています";
     const ssize_t written = ::write(other, std::string(1'000'000, 'x').data(), 1'000'000);
     ::flock(other, LOCK_SH);
     EXPECT_EQ(failureToOpen().section("。", 1), inUse);
-    EXPECT_EQ(received().size(), written) << "what the other program sends is not dropped";
+    EXPECT_EQ(received().size(), written) << "the other program's output is kept";
     ::flock(other, LOCK_UN);
     ::ioctl(other, TIOCEXCL);
     EXPECT_EQ(failureToOpen().section("。", 1), inUse);
     int mark = 0;
     ::ioctl(other, TIOCGEXCL, &mark);
-    EXPECT_NE(mark, 0) << "the mark of the other program is not taken away";
+    EXPECT_NE(mark, 0) << "the other program's exclusive mode is kept";
     ::ioctl(other, TIOCNXCL);
     ASSERT_TRUE(opens());
-    EXPECT_NE(::flock(other, LOCK_EX | LOCK_NB), 0) << "and keeps the other program away in its turn";
+    EXPECT_NE(::flock(other, LOCK_EX | LOCK_NB), 0) << "an open port keeps the other program out";
     subPortClose();
-    EXPECT_EQ(::flock(other, LOCK_EX | LOCK_NB), 0) << "closing gives up every claim";
+    EXPECT_EQ(::flock(other, LOCK_EX | LOCK_NB), 0) << "closing releases the port";
 }
 
-TEST_F(Port, IsRefusedIfItsDriverKeepsAnotherLine) {
+TEST_F(Port, FailsIfTheDriverDoesNotTakeTheSettings) {
     const std::pair<const char*, void (*)(termios&)> drivers[] = {
         {"another speed", [](termios& line) { ::cfsetspeed(&line, B19200); }},
         {"waits for a carrier", [](termios& line) { line.c_cflag &= ~tcflag_t{CLOCAL}; }},
@@ -188,7 +188,7 @@ TEST_F(Port, SendsAllBytesInOrderOnASlowLine) {
     EXPECT_EQ(all, bytes);
 }
 
-TEST_F(Port, ThatTakesNoBytesIsAFailureThatSaysWhatHelps) {
+TEST_F(Port, NamesTheRemedyForAStalledWrite) {
     ASSERT_TRUE(opens());
     gWaits.portWrite = 50ms;
     runTrapped([] { gobjComm->output(QByteArray(1'000'000, 'x')); });
@@ -197,9 +197,9 @@ TEST_F(Port, ThatTakesNoBytesIsAFailureThatSaysWhatHelps) {
                   "。データを送信できません。ケーブルと電源を確認してください");
 }
 
-TEST_F(Port, ThatIsUnpluggedIsAFailureAtTheNextReadOrWriteNotATimeOut) {
+TEST_F(Port, ThrowsAtTheNextReadOrWriteOnceUnplugged) {
     ASSERT_TRUE(opens());
-    EXPECT_EQ(gobjComm->input(1), "") << "an idle port is no failure";
+    EXPECT_EQ(gobjComm->input(1), "") << "an idle port is not a failure";
     ::close(std::exchange(unit, -1));
     const auto before = std::chrono::steady_clock::now();
     gobjComm->waitForInput(10s);

@@ -1,5 +1,5 @@
 /// An operator in the process of the delivered program, linked to its main(): chooses the language, upgrades the
-/// simulated amplifier and ends the program. What is seen on the way must be what main() has put together.
+/// simulated amplifier and ends the program. It checks what main() has set up.
 #include "simulator/image.h"
 #include "simulator/simulator.h"
 
@@ -25,7 +25,7 @@ static void require(bool holds, const char* what) {
     std::_Exit(EXIT_FAILURE);
 }
 
-/// As after the terminal has been closed, from before main() on.
+/// As if the terminal had been closed before main().
 [[maybe_unused]] static const int kClosedTerminal = [] {
     int ends[2];
     require(::pipe(ends) == 0, "a pipe");
@@ -54,7 +54,7 @@ private:
 
     static void press(const QWidget& window, const char* name) { window.findChild<QAbstractButton*>(name)->click(); }
 
-    /// Works what is on the screen, again and again, also while a dialog waits in what it does.
+    /// Operates what is on the screen, repeatedly, even from inside a modal dialog's event loop.
     void look() {
         QTimer::singleShot(50, [this] { look(); });
         QWidget* modal = QApplication::activeModalWidget();
@@ -102,7 +102,7 @@ private:
     const units::Bytes image_ = units::makeImage("AMPKEY", 13500, 1);
     units::Simulator units_{[] {
         units::Options options;
-        // The first start character may come together with the reply before it, and is dropped with it then.
+        // The first start character may arrive with the reply before it and be discarded with it.
         options.timing.startInterval = std::chrono::milliseconds(50);
         return options;
     }()};
@@ -112,7 +112,7 @@ private:
 static void sitDown() {
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     const QByteArray folder = QCoreApplication::applicationDirPath().toLocal8Bit();
-    // The other edition runs at the same time. A folder that others may enter is none for a lock.
+    // The other edition runs at the same time. A lock needs a folder that is closed to others.
     require(::chmod(folder.constData(), 0700) == 0, "a folder of the program's");
     qputenv("XDG_RUNTIME_DIR", folder);
     static Operator theOperator;

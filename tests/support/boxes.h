@@ -22,10 +22,10 @@ public:
         qApp->installEventFilter(this);
     }
 
-    /// In the place of an answer: the key.
+    /// Answer that stands for a key.
     static constexpr auto kEscape = kBoxFailed;
 
-    /// Looks at each window before it is answered.
+    /// Called with each window before it is answered.
     std::function<void(const QMessageBox&)> look = [](const QMessageBox&) {};
 
 protected:

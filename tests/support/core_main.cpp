@@ -1,4 +1,4 @@
-/// main() of the test programs of what lies below the windows.
+/// main() of the test programs for the layers below the windows.
 #include <QCoreApplication>
 
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
-/// A monotonic clock that jumps over idle time, for test programs that link it. Program and simulated units wait as
-/// long as they really do, and no test waits with them: as soon as both sleep, and nothing has come for either, the
-/// clock is at the end of the nearer wait. So no load can make one of them too late for the other.
+/// A monotonic clock that jumps over idle time, for test programs that link it. Program and simulated units keep their
+/// real time-outs, but no test waits for them: as soon as both sleep with nothing pending, the clock jumps to the end
+/// of the nearer wait. So load cannot make one of them too late for the other.
 ///
-/// The functions at the end come in the place of the C library's, for the program, the simulator and Qt. No thread but
-/// those two calls ppoll().
+/// The functions at the end replace the C library's for the program, the simulator and Qt. Only those two threads call
+/// ppoll().
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -33,7 +33,7 @@ std::int64_t now() {
     return time.tv_sec * kSecond + time.tv_nsec;
 }
 
-/// poll() of the kernel. `wait` in nanoseconds
+/// The kernel's ppoll(); `wait` in nanoseconds.
 int kernelPoll(std::vector<pollfd>& awaited, std::int64_t wait) {
     const timespec timeout{wait / kSecond, wait % kSecond};
     return static_cast<int>(
@@ -42,10 +42,10 @@ int kernelPoll(std::vector<pollfd>& awaited, std::int64_t wait) {
 
 /// One of the two threads.
 struct Sleeper {
-    const int alarm = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);  ///< ends a wait over whose end the clock has jumped
+    const int alarm = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);  ///< ends a wait when the clock jumps past its end
     bool sleeps = false;
     std::int64_t until = kNever;
-    std::vector<pollfd> awaited{};  ///< the alarm last
+    std::vector<pollfd> awaited{};  ///< the last one is the alarm
 
     bool hasWork() {
         std::vector<pollfd> looked = awaited;
@@ -56,10 +56,10 @@ struct Sleeper {
 std::mutex mutex;
 std::array<Sleeper, 2> sleepers;  // the program, the units
 
-/// GLib would wait with poll().
+/// GLib would use poll().
 [[maybe_unused]] const int kNoGlib = setenv("QT_NO_GLIB", "1", 1);
 
-/// Both sleep and nothing has come: the clock goes to the end of the nearer wait.
+/// If both sleep with nothing pending, moves the clock to the end of the nearer wait.
 void jump() {
     for (Sleeper& sleeper : sleepers)
         if (!sleeper.sleeps || sleeper.hasWork())
@@ -84,7 +84,7 @@ extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept {
 }
 
 extern "C" int ppoll(pollfd* polled, nfds_t count, const timespec* timeout, const sigset_t*) {
-    // Who is at work answers within a millisecond as a rule, and spares both the bookkeeping.
+    // A busy peer usually answers within a millisecond, which saves the bookkeeping.
     constexpr std::int64_t kAtWork = kSecond / 1'000;
     thread_local Sleeper& self = sleepers[gettid() == getpid() ? 0 : 1];
     std::vector<pollfd> awaited(polled, polled + count);

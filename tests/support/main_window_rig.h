@@ -1,4 +1,4 @@
-/// The real main window with simulated units on the wire, worked by clicks.
+/// The real main window with simulated units on the wire, operated by clicks.
 #pragma once
 
 #include "app/identification.h"
@@ -50,7 +50,7 @@ public:
         button("cmdLoading").click();
     }
 
-    /// Lets `act` work the file dialog that the next click opens; closes it if `act` does not.
+    /// Lets `act` operate the file dialog that the next click opens; closes it if `act` does not.
     void inDialog(const std::function<void(QFileDialog&)>& act) {
         QTimer::singleShot(0, &window, [act] {
             auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
@@ -69,20 +69,20 @@ public:
         });
     }
 
-    /// Presses "Save the present firmware", chooses `name` and lets the run come to its end.
+    /// Presses "Save the present firmware", chooses `name` and waits for the end of the run.
     void save(const QString& name) {
         chooseInDialog(name);
         button("cmdPresent").click();
         awaitEnd();
     }
 
-    /// Presses "Start upgrade" and lets the run come to its end.
+    /// Presses "Start upgrade" and waits for the end of the run.
     void upgrade() {
         button("cmdUpgrade").click();
         awaitEnd();
     }
 
-    /// Lets `look` look, again and again, from the time when the units have noted `text` to the next box.
+    /// Calls `look` repeatedly from when the units' journal has `text` until the next box.
     void meanwhile(const std::string& text, const std::function<void()>& look) {
         probe_.callOnTimeout([this, text, look] {
             if (progressDialog() != nullptr && simulator->hasNoted(text) && user.boxes().empty())
@@ -91,7 +91,7 @@ public:
         probe_.start(1ms);
     }
 
-    /// What the operator can do, and the cursor that the screen shows over the window, whatever the widgets ask for.
+    /// Whether the window is usable, the cursor that the screen really shows over it, and the progress dialog.
     QString state() {
         const bool isArrow = window.windowHandle()->cursor().shape() == Qt::ArrowCursor;
         return QString(button("cmdEnd").isEnabled() ? "usable" : "disabled") + (isArrow ? ", arrow" : ", hourglass") +
@@ -115,16 +115,16 @@ public:
         return nullptr;
     }
 
-    /// Whether the file is what an upload of `unit` saves.
+    /// Whether the file is a save of `unit`.
     bool isSaved(const QString& name, units::Unit unit) const {
         return readFile(name) == firmware(unit).left(options.uploadBlocks * kBlockSize).leftJustified(kImageSize, '\0');
     }
 
-    /// Lets program and units wait as long as they really do: for tests on a clock that jumps over idle time.
+    /// Uses the real time-outs, for tests on a clock that jumps over idle time.
     void waitAsInReality() {
         gWaits = Waits{};
         longestRun_ = 5min;
-        // A unit that gives up as soon as the program repeats itself could do so a moment before.
+        // With equal time-outs a unit could give up just before the program repeats a packet.
         options.timing = units::Timing{.packetWait = 15s};
     }
 

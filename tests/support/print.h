@@ -1,4 +1,4 @@
-/// How GoogleTest prints Qt's texts.
+/// Makes GoogleTest print Qt's strings.
 #pragma once
 
 #include <QByteArray>

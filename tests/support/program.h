@@ -1,4 +1,4 @@
-/// A program folder of the test's own, and an end of the program that a test survives.
+/// A temporary program folder, and an end of the program that a test survives.
 #pragma once
 
 #include "support/print.h"
@@ -14,10 +14,10 @@
 
 #include <stdexcept>
 
-/// Thrown in the place of the program's end.
+/// Thrown instead of ending the program.
 struct ProgramEnded {};
 
-/// Fresh state: an empty program folder, Japanese without any form's texts applied, no port.
+/// Fresh state: empty program folder, Japanese, no form's texts applied, no port.
 class ProgramRig {
 public:
     ProgramRig() {
@@ -44,7 +44,7 @@ public:
         return source.open(QIODevice::ReadOnly) ? source.readAll() : QByteArray();
     }
 
-    /// Makes COM `number` a link to `device`, replacing the link that is there.
+    /// Links COM `number` to `device`, replacing an existing link.
     void linkPort(int number, const QString& device) const {
         const QString link = file(QString("com%1").arg(number));
         QFile::remove(link);
@@ -53,7 +53,7 @@ public:
     }
 
 private:
-    // A name that holds what the messages are put together with.
+    // A name with the characters used to compose messages.
     QTemporaryDir folder_{QDir::tempPath() + "/dravolt%1%3%5-XXXXXX"};
 };
 

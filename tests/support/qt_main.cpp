@@ -1,4 +1,4 @@
-/// main() of every test program that needs Qt: no display, nothing of the user's, not even the language.
+/// main() of every test program that needs Qt: no display, no user settings, not even the user's language.
 #include <QApplication>
 #include <QTemporaryDir>
 

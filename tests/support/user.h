@@ -1,4 +1,4 @@
-/// An operator who answers every message box at once and remembers what it said; no window is shown.
+/// An operator who answers every message box at once and records its text; no window is shown.
 #pragma once
 
 #include "text/message_box.h"
@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-/// Answers boxes for as long as it lives.
+/// Answers boxes during its lifetime.
 class User {
 public:
     User() {
@@ -26,7 +26,7 @@ public:
 
     const std::vector<MessageBox>& boxes() const { return boxes_; }
 
-    /// Texts of the boxes since the last call, in order, with " / " for a line break.
+    /// Texts of the boxes since the last call, with " / " for a line break.
     QStringList said() {
         QStringList texts;
         for (; told_ < boxes_.size(); ++told_)

@@ -23,7 +23,7 @@ public:
         gLanguage = 1;
         gLangOffset = 10000;
         gUnitNo = kSensorAmplifier;
-        // The first start character may come together with the reply before it, and is dropped with it then.
+        // The first start character may arrive with the reply before it and be discarded with it.
         options.timing.startInterval = 50ms;
     }
 
@@ -35,7 +35,7 @@ public:
         gWaits = Waits{};
     }
 
-    /// Plugs units in that show `faults`, in the place of those that are there; an empty fault is none.
+    /// Replaces the units by ones with `faults`; an empty fault is none.
     void plug(const std::vector<std::string>& faults) {
         subPortClose();
         gblnCommBusy = false;
@@ -46,7 +46,7 @@ public:
         linkPort(1, QString::fromStdString(simulator->port()));
     }
 
-    /// The same, and opens their port.
+    /// The same, then opens their port.
     void unitsWith(const std::vector<std::string>& faults) {
         plug(faults);
         if (!fncPortOpen(1, QStringLiteral("38400,n,8,1")))
@@ -66,7 +66,7 @@ public:
     Operator user;
 
 private:
-    /// Else the number of a port that has gone could come to the units of a test that runs beside this one.
+    /// Otherwise a pty number that is freed could go to the units of a test running in parallel.
     int heldPort_ = -1;
 };
 

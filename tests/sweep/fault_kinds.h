@@ -7,8 +7,8 @@
 
 using FaultKinds = std::vector<std::string>;
 
-/// What can happen at a place. "delay:300" is later than the program waits without serving window events, "delay:12000"
-/// later than it waits for any answer.
+/// What can happen at a place. "delay:300" exceeds the wait without window events, "delay:12000" the wait for any
+/// answer.
 inline FaultKinds faultKindsAt(std::string_view where) {
     FaultKinds kinds{"lost", "delay:300", "repeat", "unplug", "unplugafter"};
     const auto with = [&kinds](const FaultKinds& more) {

@@ -1,6 +1,6 @@
-/// A whole session of the program, from its start to the end of a write, a save or a verified write, again and again:
-/// once for every place in the conversation and every fault that can happen there. Whatever goes wrong, what must hold
-/// holds. Program and units wait as long as they really do, on a clock that jumps over idle time.
+/// A whole session of the program, from its start to the end of a write, a save or a verified write, once for every
+/// place in the conversation and every fault that can happen there. Whatever goes wrong, the invariants hold. All
+/// time-outs are the real ones, on a clock that jumps over idle time.
 #include "app/startup_form.h"
 #include "support/main_window_rig.h"
 #include "sweep/fault_kinds.h"
@@ -12,7 +12,7 @@
 #include <map>
 
 #ifdef __SANITIZE_ADDRESS__
-/// The end of the program, which is thrown here, robs QPushButton::click() of its clean-up.
+/// The end of the program is an exception here, so QPushButton::click() does not clean up.
 extern "C" const char* __lsan_default_suppressions() {
     return "leak:QtSharedPointer::ExternalRefCountData::getAndRef\n";
 }
@@ -20,7 +20,7 @@ extern "C" const char* __lsan_default_suppressions() {
 
 namespace {
 
-/// The places of a session, as the simulator names them. All sessions begin alike; a save is the shortest.
+/// The places of a session, in the simulator's notation. All sessions begin alike; a save is the shortest.
 const std::map<std::string, std::vector<std::string>> kPlaces = {
     {"Save",
      {"0501", "0601", "0101D40001000001", "0101D50001000001", "0501#2", "300552010C00", "block1", "block9", "eot1",
@@ -106,8 +106,8 @@ struct Fault {
     bool isLate() const { return kind == "delay:12000"; }
 };
 
-/// The faults of a place: each kind once and, where the line is still there then, each time. A verified write shows
-/// what follows when one of its halves fails, a later packet what its number changes: a few kinds do for them.
+/// The faults of a place: each kind once and, unless it unplugs the port, every time. For verified writes, which show
+/// the failure of one half, and later packets, which differ only in number, a few kinds suffice.
 std::vector<Fault> faultsAt(const Fault& place) {
     static const FaultKinds kFew{"lost",  "nak",           "bcc",    "garble",  "cut:70",
                                  "can:2", "response:2203", "unplug", "unplugin"};
@@ -126,25 +126,25 @@ std::vector<Fault> faultsAt(const Fault& place) {
     return faults;
 }
 
-/// @return whether the work that is now done has succeeded, by what the program says
+/// Does the work. @return whether the program reports success
 bool worksAndSaysSo(ProgramSession& session) {
     const QStringList said = session.work();
-    EXPECT_EQ(said.size(), 1) << "each run says how it went, once: " << said.join(", ").toStdString();
+    EXPECT_EQ(said.size(), 1) << "each run reports its result exactly once: " << said.join(", ").toStdString();
     EXPECT_TRUE(session.window.isVisible());
     EXPECT_EQ(session.state(), ProgramSession::kReady);
     EXPECT_FALSE(TransferRun::isRunning()) << gTransferState;
     return said.contains("Succeed");
 }
 
-/// Whether it explains a violation that the program cannot know that the unit is still at an answer for which it has
-/// waited long enough: nobody hears what it sends then. At the start of a download, it takes a late answer for another
-/// one, and sends packets to the commands when a start character comes just then.
+/// Whether a late answer explains a violation. The program does not know that the unit is still sending an answer that
+/// has timed out, and what it sends meanwhile is ignored. At the start of a download, it takes a late answer for
+/// another one, and may send packets to a unit that expects commands.
 bool explains(const Fault& fault, const std::string& violation) {
     const bool starts = fault.place == "300550010000" || fault.place == "300551010C00";
     return fault.isLate() && (starts || violation.find("before the answer") != std::string::npos);
 }
 
-/// What does not work the first time works as soon as the fault is over.
+/// What fails the first time works as soon as the fault is over.
 void recover(ProgramSession& session, const Fault& fault) {
     const bool entered = session.enter();
     const bool wantsRestart = entered && gobjComm == nullptr;  // after a verification
@@ -153,7 +153,7 @@ void recover(ProgramSession& session, const Fault& fault) {
     if (!entered && fault.unplugs())
         session.plug({});
     EXPECT_TRUE(session.enter());
-    // Only a start of the program opens the port again; a save says that it has succeeded all the same.
+    // Only a restart reopens the port; a save reports success all the same.
     const bool works = !fault.unplugs() || !entered;
     EXPECT_EQ(worksAndSaysSo(session), works || fault.work == "Save");
     EXPECT_EQ(session.isDone(), works);
@@ -168,7 +168,7 @@ void sweep(const Fault& fault) {
     EXPECT_TRUE(entered || session.hasEnded || session.offersPorts());
     EXPECT_LT(clock.elapsed(), 130'000);
     if (fault.work == "Save") {
-        // A read looks at no check byte and no block number.
+        // A read checks neither check bytes nor block numbers.
         const bool escapes = fault.place.starts_with("block") && (fault.kind == "garble" || fault.kind == "repeat");
         EXPECT_TRUE(session.isDone() || session.readFile("saved.bin") == "old" || escapes);
     } else {
@@ -185,7 +185,7 @@ void PrintTo(const Fault& place, std::ostream* out) { *out << place.work << ' ' 
 
 class Sweep : public testing::TestWithParam<Fault> {};
 
-TEST_P(Sweep, WhatMustHoldHolds) {
+TEST_P(Sweep, TheInvariantsHold) {
     for (const Fault& fault : faultsAt(GetParam())) {
         SCOPED_TRACE(fault.text());
         sweep(fault);

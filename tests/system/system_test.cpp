@@ -39,16 +39,16 @@ TEST(SingleInstance, IsTheOneThatHoldsTheLock) {
     EXPECT_FALSE(isOnlyInstance());
     ::flock(other, LOCK_UN);
     EXPECT_TRUE(isOnlyInstance()) << "a copy that has ended does not block the next";
-    EXPECT_EQ(::flock(other, LOCK_EX | LOCK_NB), -1) << "and is kept away in its turn";
+    EXPECT_EQ(::flock(other, LOCK_EX | LOCK_NB), -1) << "a later copy is locked out";
     ::close(other);
 }
 
-TEST(SingleInstanceDeathTest, WithoutALockOfItsOwnCountsAsTheOnlyCopy) {
+TEST(SingleInstanceDeathTest, WithoutALockCountsAsTheOnlyCopy) {
     const QTemporaryDir here;
     ASSERT_TRUE(QFile::link("target", here.filePath("dravolt.lock")));
     const auto ask = [](const QString& runtimeFolder) {
         qputenv("XDG_RUNTIME_DIR", runtimeFolder.toLocal8Bit());
-        // Qt makes one among the temporary files, where it can.
+        // If it can, Qt creates one in the temporary folder.
         qputenv("TMPDIR", "/dev/null");
         std::_Exit(isOnlyInstance() ? 0 : 1);
     };
@@ -58,7 +58,7 @@ TEST(SingleInstanceDeathTest, WithoutALockOfItsOwnCountsAsTheOnlyCopy) {
     EXPECT_FALSE(QFile::exists(here.filePath("target")));
 }
 
-/// What is behind standard error.
+/// Where standard error goes.
 enum Reader { gone, asleep, closed };
 
 static void complainTo(Reader reader) {
@@ -84,7 +84,7 @@ TEST(StandardErrorDeathTest, NeitherEndsNorDelaysTheProgram) {
                 "dravolt: heard\\?]0;");
 }
 
-/// A bus with a logind whose inhibitions are writing ends of one pipe; it refuses one.
+/// A bus with a logind whose inhibitor locks are write ends of one pipe; it refuses one.
 class FakeLogind : public QDBusVirtualObject {
 public:
     FakeLogind() {
@@ -106,7 +106,7 @@ public:
         return ::close(end) == 0;
     }
 
-    /// Whether an inhibition is held, still after so many milliseconds.
+    /// Whether an inhibitor lock is still held after this many milliseconds.
     bool isHeld(int time = 0) const {
         pollfd writers{pipe_[0], 0, 0};
         return ::poll(&writers, 1, time) == 0;
@@ -118,7 +118,7 @@ private:
     int pipe_[2];
 };
 
-TEST(Sleep, IsInhibitedForAsLongAsTheTransferLasts) {
+TEST(Sleep, IsInhibitedDuringATransfer) {
     QDBusServer server("unix:tmpdir=/tmp");
     qputenv("DBUS_SYSTEM_BUS_ADDRESS", server.address().toUtf8());
     FakeLogind logind;

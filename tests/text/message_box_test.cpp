@@ -10,7 +10,7 @@ protected:
     User user;
 };
 
-TEST_F(Messages, InsertsStandWhereTheMessageHasThem) {
+TEST_F(Messages, InsertsAppearInTheirPlaces) {
     const std::tuple<int, const char*, const char*, const char*> cases[] = {
         {IDS_MSGDATA_COMM_PORT, "5", "The present communication port(COM5)is not effective.",
          "現在の通信ポート(COM5)は有効ではありません"},
@@ -29,7 +29,7 @@ TEST_F(Messages, InsertsStandWhereTheMessageHasThem) {
     }
 }
 
-TEST_F(Messages, AFailureIsShownAndOnlyTheUnexpectedErrorOfTheLanguageInUseEndsTheProgram) {
+TEST_F(Messages, OnlyTheUnexpectedErrorEndsTheProgram) {
     EXPECT_FALSE(runTrapped([] { throw RuntimeFailure(57, "COM1"); }));
     EXPECT_FALSE(runTrapped([] { throw std::bad_alloc(); }));
     const QString prefix = "アプリケーションで異常が発生しました。 / RES : ";

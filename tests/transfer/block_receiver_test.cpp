@@ -6,14 +6,14 @@
 
 using namespace std::chrono_literals;
 
-TEST(BlockReceiver, FindsWhatCountsInWhateverComes) {
+TEST(BlockReceiver, FindsBlocksAndControlBytesAmongNoise) {
     const QByteArray block = QByteArray::fromHex("0105fa") + QByteArray(128, '\x04') + '\x77';
     const auto hex = [](const char* text) { return QByteArray::fromHex(text); };
     const std::tuple<const char*, QList<QByteArray>, PollResult> cases[] = {
         // name, pieces, result of the last one
         {"a block", {block}, kBlock},
         {"a block in three pieces", {block.left(1), block.mid(1, 130), block.right(1)}, kBlock},
-        {"a block that has begun", {block.left(131), ""}, kIncomplete},
+        {"an incomplete block", {block.left(131), ""}, kIncomplete},
         {"what follows a block is dropped", {block + hex("04"), ""}, kNothing},
         {"noise before a block", {hex("ff00") + block}, kBlock},
         {"a late reply before a block", {hex("02303030303030333030353030303003") + block}, kBlock},
@@ -34,15 +34,15 @@ TEST(BlockReceiver, FindsWhatCountsInWhateverComes) {
     }
 }
 
-TEST(BlockReceiver, IsSilentAfterThreeSecondsWithoutASignOfARead) {
+TEST(BlockReceiver, TimesOutAfterThreeSecondsWithoutABlock) {
     const auto after = [](std::chrono::milliseconds time) { return BlockReceiver::Time{} + time; };
     BlockReceiver receiver(3s, after(0s));
     EXPECT_EQ(receiver.take("", after(2'999ms)), kNothing);
-    EXPECT_EQ(receiver.take("C", after(3s)), kReceiveTimeOut) << "a unit that asks is no unit that sends";
+    EXPECT_EQ(receiver.take("C", after(3s)), kReceiveTimeOut) << "a unit that asks for an image does not send one";
     receiver.answered(after(3s));
     EXPECT_EQ(receiver.take("noise", after(5'999ms)), kNothing);
     EXPECT_EQ(receiver.take("noise", after(6s)), kReceiveTimeOut);
-    EXPECT_EQ(receiver.take("\x01", after(6s)), kIncomplete) << "a byte of a block wins over the time";
+    EXPECT_EQ(receiver.take("\x01", after(6s)), kIncomplete) << "a byte of a block comes before the time-out";
     EXPECT_EQ(receiver.take("", after(8'999ms)), kIncomplete);
     EXPECT_EQ(receiver.take("", after(9s)), kReceiveTimeOut);
 }

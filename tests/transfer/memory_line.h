@@ -1,4 +1,4 @@
-/// A transfer without windows and port: a screen that remembers, and a line in memory.
+/// A transfer without windows or port: a screen that records, and a line in memory.
 #pragma once
 
 #include "link/protocol_words.h"
@@ -19,7 +19,7 @@ inline QByteArray someImage() {
     return {reinterpret_cast<const char*>(made.data()), static_cast<qsizetype>(made.size())};
 }
 
-/// What a unit sends that holds `image`, up to its second EOT; each block and EOT after `noise`.
+/// What a unit that holds `image` sends, up to the second EOT; `noise` before each block and EOT.
 inline QByteArrayList upload(const QByteArray& image, const QByteArray& noise = {}) {
     QByteArrayList pieces;
     for (qsizetype at = 0; at < image.size(); at += kBlockSize)
@@ -51,7 +51,7 @@ private:
     int bytes_ = 0;
 };
 
-/// A line in memory: the test says what the unit does, and the clock goes when the run waits.
+/// A line in memory: the test says what the unit does, and the clock advances when the run waits.
 class MemoryLine : public TransferLine {
 public:
     explicit MemoryLine(QStringList& told) : told_(told) {}
@@ -89,7 +89,7 @@ public:
     void stopTicks() override { step_ = {}; }
 
     bool ticks() const { return step_ != nullptr; }
-    /// Lets the time up to the next tick pass.
+    /// Advances the clock to the next tick.
     void tick() {
         time = std::max(time, nextTick_);
         nextTick_ = time + kTick;
@@ -100,9 +100,9 @@ public:
 
     QStringList refusals;        ///< operation commands that are refused, once each
     QByteArrayList input;        ///< what comes in during a read, in pieces
-    QByteArray answers = "C\6";  ///< to nothing, to the first packet sent, to the second...; the last one for good
+    QByteArray answers = "C\6";  ///< before any packet, to the first, to the second...; the last one repeats
     bool isGone = false;         ///< the port
-    qsizetype failsAtSend = 0;   ///< number of the raw send at which the port fails; 0: never
+    qsizetype failsAtSend = 0;   ///< number of the raw send that fails; 0: none
     std::function<void()> whileServing = [] {};
     QByteArrayList sent;  ///< in this transfer
     Time time{};

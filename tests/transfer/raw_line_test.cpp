@@ -4,12 +4,12 @@
 #include "system/event_wait.h"
 #include "transfer/memory_line.h"
 
-/// Runs on a real port, with simulated units or foreign programs behind it.
+/// Transfers on a real port, with simulated units or foreign programs at the other end.
 class RawLineTest : public WireTest {
 protected:
     RawLineTest() { gImageBuf = someImage() + '\0'; }
 
-    /// Lets the run come to its end. @return what the program says
+    /// Waits for the end of the run. @return what the program says
     QStringList end() {
         waitServingEvents(20s, [] { return !TransferRun::isRunning(); });
         return user.said();
@@ -21,7 +21,7 @@ protected:
     TransferRun run{screen, line};
 };
 
-TEST_F(RawLineTest, AForeignReceiverGetsTheVeryImage) {
+TEST_F(RawLineTest, AForeignReceiverGetsTheExactImage) {
     for (const char* receiver : {"rx", "rx -c"}) {
         options.receiver =
             std::string("sleep 0.1; ") + receiver + " " + file("received.bin").toStdString() + " 2>/dev/null";
@@ -33,7 +33,7 @@ TEST_F(RawLineTest, AForeignReceiverGetsTheVeryImage) {
     }
 }
 
-TEST_F(RawLineTest, AStepOfAReadDoesNotWaitForTheTick) {
+TEST_F(RawLineTest, ReadStepsDoNotWaitForTheTick) {
     gWaits.tick = 2'000ms;
     options.uploadBlocks = 300;
     unitsWith(
@@ -47,7 +47,7 @@ TEST_F(RawLineTest, AStepOfAReadDoesNotWaitForTheTick) {
     EXPECT_EQ(simulator->violations(), std::vector<std::string>{});
 }
 
-TEST_F(RawLineTest, AnUnpluggedPortDoesNotSpinBelowABox) {
+TEST_F(RawLineTest, AnUnpluggedPortDoesNotSpinBehindABox) {
     gWaits.exchangeMark = 10ms;
     unitsWith({"unplug@block20"});
     int calls = 0;
@@ -57,6 +57,6 @@ TEST_F(RawLineTest, AnUnpluggedPortDoesNotSpinBelowABox) {
     });
     run.read({.file = file("saved.bin")});
     end();
-    EXPECT_LT(calls, 1'000) << "the events of a dead port";
+    EXPECT_LT(calls, 1'000) << "events of the dead port";
     EXPECT_FALSE(QFile::exists(file("saved.bin")));
 }

@@ -4,7 +4,7 @@
 #include "text/message_box.h"
 #include "transfer/memory_line.h"
 
-/// Runs on a line in memory. The whole story of each is told in order: commands, boxes, what the screen is asked for.
+/// Runs on a line in memory. Each one's story is told in order: commands, boxes, calls to the screen.
 class Run : public ProgramTest {
 protected:
     Run() {
@@ -19,7 +19,7 @@ protected:
     }
     ~Run() override { setMessageBoxes({}); }
 
-    /// Lets the run come to its end. @return its story
+    /// Waits for the end of the run. @return its story
     QString story() {
         for (int ticks = 0; TransferRun::isRunning() && ticks < 10'000; ++ticks)
             line.tick();
@@ -39,7 +39,7 @@ protected:
     TransferRun run{screen, line};
 };
 
-TEST_F(Run, AWriteSaysHowItWentAfterItHasBeenClosed) {
+TEST_F(Run, AWriteReportsItsResultAfterClosing) {
     const QString succeeds = "54, 53, release, Succeed, cursor, version of 1";
     const QString fails = "54, 53, release, Failed, cursor";
     const QString refused51 =
@@ -65,12 +65,12 @@ TEST_F(Run, AWriteSaysHowItWentAfterItHasBeenClosed) {
     }
 }
 
-TEST_F(Run, AVerificationSucceedsOnlyOverWhatItHasReadItself) {
+TEST_F(Run, AVerificationComparesOnlyWhatItHasRead) {
     QByteArray lastByteDiffers = image;
     lastByteDiffers.back() ^= 1;
     const QString begins = "52, progress, ";
     const std::tuple<const char*, QByteArray, QByteArrayList, bool, QString, const char*> cases[] = {
-        // name, image, what comes back, whether the port is gone after the write, begin and result of the read-back
+        // name, image, what comes back, port gone after the write, start and result of the read-back
         {"same", image, upload(image), false, begins, "Succeed"},
         {"the port is gone, after one that was the same", image, {}, true, error + "closed, ", "Failed"},
         {"last byte differs", image, upload(lastByteDiffers), false, begins, "Failed"},
@@ -89,13 +89,13 @@ TEST_F(Run, AVerificationSucceedsOnlyOverWhatItHasReadItself) {
     }
 }
 
-TEST_F(Run, ASaveWritesTheFileAfterTheSecondEotAlone) {
+TEST_F(Run, ASaveWritesTheFileOnlyAfterTheSecondEot) {
     const QString refused52 = "52, 52, 52, " + error +
                               "The unit did not carry out command 52 in three attempts; its last answer: 2203, "
                               "54, 53, release, Succeed, cursor";
     const QString good = "52, progress, 54, 53, release, Succeed, cursor";
     const std::tuple<const char*, QByteArrayList, bool, QStringList, QString, QByteArray> cases[] = {
-        // name, what comes, whether Verification is ticked, refused commands, story, what the file holds then
+        // name, input, Verification ticked, refused commands, story, content of the file afterwards
         {"good", upload(image), false, {}, good, image},
         {"noise before each block and EOT", upload(image, "\xff"), false, {}, good, image},
         {"more than an image", upload(image + QByteArray(256, 'x')), false, {}, good, image},
@@ -114,7 +114,7 @@ TEST_F(Run, ASaveWritesTheFileAfterTheSecondEotAlone) {
     EXPECT_EQ(line.sent.join(), kNak + QByteArray(1'920, kAck) + kNak + kAck);
 }
 
-TEST_F(Run, OnlyAReadThatReceivesIsCancelled) {
+TEST_F(Run, OnlyAReadInProgressCanBeCancelled) {
     run.cancel();
     line.whileServing = [this] {
         run.cancel();
@@ -131,7 +131,7 @@ TEST_F(Run, OnlyAReadThatReceivesIsCancelled) {
     EXPECT_FALSE(QFile::exists(file("saved.bin")));
 }
 
-TEST_F(Run, ItsResultsAreInJapaneseToo) {
+TEST_F(Run, ResultsAreShownInJapanese) {
     gLanguage = 0;
     run.write({});
     story();

@@ -6,12 +6,12 @@
 
 #include <gtest/gtest.h>
 
-TEST(Sender, EndsAsTheReceiverLetsIt) {
+TEST(Sender, FollowsTheReceiversAnswers) {
     gLangOffset = 10000;
     const QByteArray image = someImage();
     const std::tuple<const char*, int, const char*> cases[] = {
-        // bytes: A ACK, N NAK, X CAN, C, '.' time is up, '*' an ACK for every block, else a stray byte;
-        // packets that go out; number and words of the failure, or nothing while the send goes on
+        // answers: A ACK, N NAK, X CAN, C, '.' time-out, '*' an ACK for every block, else a stray byte;
+        // packets sent; number and text of the failure, or nothing while the send goes on
         {"999999999C", 1, ""},
         {"9999999999", 0, "4097 Before the first block: 10 unexpected bytes came, the last one 39"},
         {"99999X999999999C", 1, ""},
@@ -51,13 +51,13 @@ TEST(Sender, EndsAsTheReceiverLetsIt) {
     }
 }
 
-TEST(Sender, SendsTheCheckThatTheUnitAsksFor) {
+TEST(Sender, SendsTheRequestedCheck) {
     const QByteArray image = someImage();
     for (const auto& [start, check] : {std::pair{kCrcStart, PacketCheck::crc}, {kNak, PacketCheck::checksum}})
         EXPECT_EQ(XmodemSender(image, 60s, 10s).take(start).packet, buildPacket(1, image.left(kBlockSize), check));
 }
 
-TEST(XmodemPacket, IsTheExactBytes) {
+TEST(XmodemPacket, HasTheExactBytes) {
     const QByteArray data = '\x32' + QByteArray(126, '\0') + '\xff';
     const QByteArray ones(128, '\xff');
     EXPECT_EQ(buildPacket(1, data, PacketCheck::checksum), QByteArray::fromHex("0101fe") + data + '\x31');

@@ -8,7 +8,7 @@
 
 #include <sys/stat.h>
 
-TEST_F(MainWindowTest, ShowsAndReadsAloudItsTextsInBothLanguages) {
+TEST_F(MainWindowTest, HasItsTextsAndAccessibleNamesInBothLanguages) {
     const std::tuple<const char*, const char*, const char*> texts[] = {
         {"lblPresent", "The present firmware", "現ソフト"},
         {"lblRewriting", "The rewriteing firmware", "書換ソフト"},
@@ -54,7 +54,7 @@ TEST_F(MainWindowTest, ShowsAndReadsAloudItsTextsInBothLanguages) {
     }
 }
 
-TEST_F(MainWindowTest, StartsWithNothingToWrite) {
+TEST_F(MainWindowTest, StartsWithoutAnImage) {
     EXPECT_TRUE(window.isVisible());
     EXPECT_LT((window.geometry().center() - window.screen()->geometry().center()).manhattanLength(), 9);
     EXPECT_LT(label("lblVersion(%1)", 0).y(), label("lblVersion(%1)", 1).y());
@@ -73,7 +73,7 @@ TEST_F(MainWindowTest, TheRowThatIsNotTheTargetIsGrey) {
                static_cast<FittedLabel&>(label("lblTitle(%1)", 2)).textColour();
     };
     for (const int target : {1, 0, 1}) {
-        // As a screen reader's "Toggle" does it: without a click.
+        // Like a screen reader's "Toggle", without a click.
         choose(target);
         EXPECT_EQ(gUnitNo, target == 0 ? kSensorAmplifier : kInterfaceUnit);
         EXPECT_EQ(isGrey(0), target != 0);
@@ -110,10 +110,10 @@ TEST_F(MainWindowTest, AnImageIsNamedByTheTypeTables) {
         EXPECT_EQ(gImageBuf, readFile("amp.bin") + '\0');
     }
     EXPECT_EQ(state(), kReady);
-    EXPECT_EQ(user.said().filter("Overflow").size(), 1) << "the version word that has no place";
+    EXPECT_EQ(user.said().filter("Overflow").size(), 1) << "version word above 32767";
 }
 
-TEST_F(MainWindowTest, WhatIsNoImageChangesNothing) {
+TEST_F(MainWindowTest, FilesOfTheWrongSizeChangeNothing) {
     writeFile("short", QByteArray(245'759, 'x'));
     writeFile("long", QByteArray(245'761, 'x'));
     ASSERT_EQ(::mkfifo(qPrintable(file("pipe")), 0600), 0);
@@ -127,7 +127,7 @@ TEST_F(MainWindowTest, WhatIsNoImageChangesNothing) {
         }
     }
     EXPECT_EQ(row(2), "AMP-A 1.500");
-    EXPECT_EQ(gImageBuf, readFile("amp.bin") + '\0') << "the earlier image stays";
+    EXPECT_EQ(gImageBuf, readFile("amp.bin") + '\0') << "the earlier image is kept";
     EXPECT_TRUE(user.boxes().empty());
 }
 
@@ -136,7 +136,7 @@ TEST_F(MainWindowTest, AnImageThatCannotBeReadIsNotLoaded) {
     inDialog([this](QFileDialog& dialog) {
         dialog.selectFile(file("amp.bin"));
         QMetaObject::invokeMethod(&dialog, "accept");
-        // After the look at its length, before the reading.
+        // After its size has been checked, before it is read.
         QTimer::singleShot(0, &window, [this] {
             EXPECT_EQ(state(), "disabled, hourglass");
             writeFile("amp.bin", "cut");
@@ -149,7 +149,7 @@ TEST_F(MainWindowTest, AnImageThatCannotBeReadIsNotLoaded) {
     EXPECT_EQ(state(), kReady);
 }
 
-TEST_F(MainWindowTest, AFileThatDoesNotExistIsReported) {
+TEST_F(MainWindowTest, AMissingFileIsReported) {
     load("missing.bin");
     EXPECT_EQ(user.said(),
               QStringList("Application error. / RES : " + file("missing.bin") + ": there is no such file"));
@@ -178,7 +178,7 @@ TEST_F(MainWindowTest, UpgradesEitherUnit) {
     EXPECT_TRUE(simulator->violations().empty());
 }
 
-/// Counts the paintings of a widget while it shows what is wanted.
+/// Counts how often a progress bar is painted once past 100,000 bytes.
 class Paintings : public QObject {
 public:
     int count = 0;
@@ -190,7 +190,7 @@ protected:
     }
 };
 
-TEST_F(MainWindowTest, DuringARunOnlyClosingTheWindowActs) {
+TEST_F(MainWindowTest, DuringARunOnlyClosingTheWindowWorks) {
     unitsWith({"delay:1100@packet900"});
     gWaits.progressPainting = 1ms;
     load("amp.bin");
@@ -215,7 +215,7 @@ TEST_F(MainWindowTest, DuringARunOnlyClosingTheWindowActs) {
         window.close();
     });
     upgrade();
-    EXPECT_GT(ends, 0) << "closing the main window ends the program, also while a transfer runs";
+    EXPECT_GT(ends, 0) << "closing the main window ends the program even during a transfer";
     EXPECT_GT(paintings.count, 0);
     EXPECT_TRUE(format.endsWith("left)")) << "after a second";
     ends = 0;
@@ -224,7 +224,7 @@ TEST_F(MainWindowTest, DuringARunOnlyClosingTheWindowActs) {
     EXPECT_EQ(ends, 1);
 }
 
-TEST_F(MainWindowTest, TheProgressSaysTheTimeThatTheRestTakes) {
+TEST_F(MainWindowTest, TheProgressShowsTheTimeLeft) {
     const std::tuple<std::chrono::milliseconds, int, int, const char*> cases[] = {
         {999ms, 20, 30, "%p%"},
         {2s, 10, 20, "%p%"},
@@ -238,7 +238,7 @@ TEST_F(MainWindowTest, TheProgressSaysTheTimeThatTheRestTakes) {
     EXPECT_EQ(progressText(30s, 0, 100, 500), "%p%（残り 2:00）");
 }
 
-TEST_F(MainWindowTest, AnImageOfTheOtherUnitIsNotSent) {
+TEST_F(MainWindowTest, AnImageForTheOtherUnitIsNotSent) {
     writeImage("ifu.bin", "IFUKEY", 1004);
     unitsWith({});
     load("ifu.bin");
@@ -249,7 +249,7 @@ TEST_F(MainWindowTest, AnImageOfTheOtherUnitIsNotSent) {
     EXPECT_EQ(state(), kReady);
 }
 
-TEST_F(MainWindowTest, AFailedCheckIsTheOperatorsToDecide) {
+TEST_F(MainWindowTest, AfterAFailedCheckTheOperatorDecides) {
     unitsWith({"response:2203@0101D4*2"});
     load("amp.bin");
     user.answerNext(kCancel);
@@ -258,7 +258,7 @@ TEST_F(MainWindowTest, AFailedCheckIsTheOperatorsToDecide) {
     EXPECT_EQ(state(), kReady);
     EXPECT_EQ(user.boxes().back().style, kOkCancel);
     upgrade();
-    EXPECT_EQ(firmware(), readFile("amp.bin")) << "OK goes on as after a normal check";
+    EXPECT_EQ(firmware(), readFile("amp.bin")) << "OK continues as after a normal check";
     EXPECT_EQ(user.said().filter("I could not check").size(), 2);
 }
 

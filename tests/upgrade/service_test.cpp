@@ -10,13 +10,13 @@ protected:
 
     void tickVerification() { window.findChild<QCheckBox*>("chkVerify")->click(); }
 
-    /// Whether the operator could cancel, as the progress dialog shows it.
+    /// Whether the progress dialog offers Cancel.
     static bool offersCancel() {
         return progressDialog() != nullptr && progressDialog()->findChild<QPushButton*>("cmdCancel")->isVisible();
     }
 };
 
-TEST_F(ServiceTest, AVerifiedRunKeepsItsUnitToItsLastCommand) {
+TEST_F(ServiceTest, AVerifiedWriteStaysWithItsUnit) {
     unitsWith({});
     load("amp.bin");
     tickVerification();
@@ -55,7 +55,7 @@ TEST_F(ServiceTest, ASaveCanBeCancelled) {
     EXPECT_EQ(state(), kReady);
 }
 
-TEST_F(ServiceTest, TheFileDialogsAreForImages) {
+TEST_F(ServiceTest, TheFileDialogsOfferImages) {
     QStringList offered;
     for (const char* name : {"cmdLoading", "cmdPresent"}) {
         inDialog([&](const QFileDialog& dialog) {
@@ -70,7 +70,7 @@ TEST_F(ServiceTest, TheFileDialogsAreForImages) {
     EXPECT_TRUE(user.boxes().empty()) << "a cancelled dialog does nothing";
 }
 
-TEST_F(ServiceTest, TheKeyboardVisitsEachControl) {
+TEST_F(ServiceTest, TabReachesEachControl) {
     load("amp.bin");
     QStringList visited;
     for (int i = 0; i < 8; ++i) {

@@ -7,7 +7,7 @@ protected:
     BoxOperator user;
 };
 
-TEST_F(BoxWindow, ShowsPlainTextWithTheIconOfItsStyleBeforeTheWindowInUse) {
+TEST_F(BoxWindow, ShowsPlainTextAndItsIconOverTheActiveWindow) {
     QWidget window;
     window.show();
     for (const auto& [style, icon] : {std::pair{kOkOnly, QMessageBox::NoIcon},
@@ -27,10 +27,10 @@ TEST_F(BoxWindow, ShowsPlainTextWithTheIconOfItsStyleBeforeTheWindowInUse) {
     EXPECT_EQ(user.boxes().size(), 5U);
 }
 
-TEST_F(BoxWindow, TakesTheAnswerFromTheButtonOrEscape) {
+TEST_F(BoxWindow, ReturnsTheButtonPressedOrEscape) {
     constexpr auto kEscape = BoxOperator::kEscape;
     const std::tuple<int, int, MsgBoxResult, MsgBoxResult, QStringList> cases[] = {
-        // style, language offset, what is pressed, what it means, buttons
+        // style, language offset, key or button, answer, buttons
         {kInformation, 0, kOk, kOk, {"OK"}},
         {kInformation, 10'000, kEscape, kOk, {"OK"}},
         {kQuestion + kOkCancel, 0, kOk, kOk, {"OK", "キャンセル"}},
@@ -51,7 +51,7 @@ TEST_F(BoxWindow, TakesTheAnswerFromTheButtonOrEscape) {
     }
 }
 
-TEST_F(BoxWindow, QtsOwnTextsSpeakTheLanguageOfTheForms) {
+TEST_F(BoxWindow, QtsOwnTextsAreInTheLanguageOfTheForms) {
     for (const auto& [language, save] : {std::pair{0, "保存"}, {1, "Save"}, {0, "保存"}}) {
         gLanguage = language;
         subApplyLanguage([] {});
