@@ -1,4 +1,4 @@
-/// What an intruder would leave beside a program: a plugin of Qt's that makes the file $TRAP as soon as it is loaded.
+/// What an intruder would leave beside a program: a Qt plugin that creates the file $TRAP when it is loaded.
 #include <QStylePlugin>
 
 #include <cstdio>

@@ -1,4 +1,4 @@
-# Sourced by what works the program's windows without a display: a virtual desktop, and an operator's hands.
+# Sourced by scripts that operate the program's windows without a display: a virtual desktop, mouse and keyboard.
 
 # scaled PIXELS: as many in a program that is shown larger, see QT_SCALE_FACTOR.
 scaled() { awk "BEGIN { print int($1 * ${QT_SCALE_FACTOR:-1}) }"; }
@@ -44,7 +44,7 @@ start_bus() {
 
 stop_desktop() { kill "${desktop_processes[@]}" 2>/dev/null || true; }
 
-# soon SECONDS COMMAND...: whether the command succeeds within the time.
+# soon SECONDS COMMAND...: waits up to this long for the command to succeed.
 soon() {
     local end=$((SECONDS + $1))
     shift
@@ -66,7 +66,7 @@ link_or_end() { [ -e "$2" ] || ! kill -0 "$1"; }
 # window TITLE: number of the visible window with this title (a regular expression).
 window() { xdotool search --onlyvisible --name "$1" 2>/dev/null | tail -n 1 | grep .; }
 
-# await_window TITLE [SECONDS]: waits until such a window stands and has settled.
+# await_window TITLE [SECONDS]: waits until such a window is shown and has settled.
 await_window() {
     soon "${2:-20}" window "$1" || { echo "no window \"$1\"" >&2; return 1; }
     sleep 0.3

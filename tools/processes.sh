@@ -10,7 +10,7 @@ launch() {
     started[$!]=yes
 }
 
-# await_end PROCESS: the status of what was started; what it has left running ends now.
+# await_end PROCESS: waits for it and gives its status; ends what it has left running.
 await_end() {
     local status=0
     wait "$1" || status=$?

@@ -1,5 +1,5 @@
-# Sourced by tools/tour.d/situation: what a situation is made of. Nothing here waits for a fixed time: a step waits for what it
-# shall see, and fails if that does not come.
+# Sourced by tools/tour.d/situation: the steps of a situation. Nothing here waits for a fixed time: a step waits for what it
+# expects, and fails if that does not come.
 
 # ---- what the windows say ----
 
