@@ -7,7 +7,6 @@
 #include <QTimer>
 
 #include <ctime>
-#include <sys/stat.h>
 #include <thread>
 
 class FrameLink : public WireTest {
@@ -57,13 +56,6 @@ TEST_F(FrameLink, LogsEachUnusableReplyOnItsOwnLine) {
     EXPECT_EQ(log.replace(QRegularExpression("[0-9/]{10} [0-9:]{8} "), "TIME "),
               "TIME [NG2] S:True E:True B:True P:True U:3 A:30 05 00 00 \r\n"
               "TIME [NG2] S:True E:True B:False P:False U:450 A:30 05 00 00 \r\n");
-}
-
-TEST_F(FrameLink, ALogThatIsAPipeDoesNotLeaveTheLinkBusy) {
-    unitsWith({"bcc@300550"});
-    ASSERT_EQ(::mkfifo(qPrintable(file("PelkLog.txt")), 0600), 0);
-    EXPECT_THROW(send("300550010000"), RuntimeFailure);
-    EXPECT_FALSE(gblnCommBusy);
 }
 
 TEST_F(FrameLink, AFailedExchangeDelaysTheNext) {

@@ -122,7 +122,7 @@ TEST(Units, ReportViolationsDuringADownload) {
         {0,
          "\1\1\1" + packet(1).substr(3),
          "\x15",
-         {"packet after 0 blocks: number and complement do not fit: 01 01 -> NAK"}},
+         {"packet after 0 blocks: number and complement do not match: 01 01 -> NAK"}},
         {2, "\x18\x01", "", {"a single CAN"}},
         {2, "\x18", "", {"a single CAN"}},
         {2, "\x01\x03\xFC\x01", "", {"packet incomplete after 4 bytes -> NAK"}},

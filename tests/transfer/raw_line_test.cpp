@@ -46,17 +46,3 @@ TEST_F(RawLineTest, ReadStepsDoNotWaitForTheTick) {
     EXPECT_EQ(readFile("saved.bin"), firmware().left(300 * kBlockSize).leftJustified(kImageSize, '\0'));
     EXPECT_EQ(simulator->violations(), std::vector<std::string>{});
 }
-
-TEST_F(RawLineTest, AnUnpluggedPortDoesNotSpinBehindABox) {
-    gWaits.exchangeMark = 10ms;
-    unitsWith({"unplug@block20"});
-    int calls = 0;
-    setMessageBoxes([&calls](const MessageBox&) {
-        waitServingEvents(50ms, [&calls] { return ++calls < 0; });
-        return kOk;
-    });
-    run.read({.file = file("saved.bin")});
-    end();
-    EXPECT_LT(calls, 1'000) << "events of the dead port";
-    EXPECT_FALSE(QFile::exists(file("saved.bin")));
-}
