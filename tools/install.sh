@@ -71,9 +71,11 @@ need_display() {
 }
 
 need_windows() {
-    need "to build for Windows" g++-mingw-w64-x86-64-posix icoutils zip
+    need "to build for Windows" g++-mingw-w64-x86-64-posix icoutils libgtest-dev zip
     need "to unpack the source of Qt" dpkg-dev
 }
+
+need_wine() { need "to run programs for Windows, and to read what their messages say" wine64 xclip unzip; }
 
 need_fuzzers() { need "for the fuzzers, and names in what they report" clang-14 libclang-rt-14-dev llvm-14; }
 

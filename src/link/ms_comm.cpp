@@ -7,7 +7,11 @@
 #include <utility>
 
 RuntimeFailure portFailure(int number, const QString& port, const char* doing, int error, const QString& remedy) {
-    return {number, QStringLiteral("%1: %2: %3%4").arg(port, QLatin1String(doing), qt_error_string(error), remedy)};
+    QString cause = qt_error_string(error);
+    // Windows ends it with a full stop.
+    while (cause.endsWith(QLatin1Char('.')) || cause.endsWith(QChar(u'。')) || cause.endsWith(QLatin1Char(' ')))
+        cause.chop(1);
+    return {number, QStringLiteral("%1: %2: %3%4").arg(port, QLatin1String(doing), cause, remedy)};
 }
 
 namespace remedy {

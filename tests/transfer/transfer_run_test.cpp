@@ -114,6 +114,12 @@ TEST_F(Run, ASaveWritesTheFileOnlyAfterTheSecondEot) {
     EXPECT_EQ(line.sent.join(), kNak + QByteArray(1'920, kAck) + kNak + kAck);
 }
 
+TEST_F(Run, ASaveThatCannotBeWrittenIsReported) {
+    line.input = upload(image);
+    run.read({.file = file("none/saved.bin")});
+    EXPECT_TRUE(story().startsWith("52, progress, " + error + file("none/saved.bin") + ": No such file or directory"));
+}
+
 TEST_F(Run, OnlyAReadInProgressCanBeCancelled) {
     run.cancel();
     line.whileServing = [this] {
