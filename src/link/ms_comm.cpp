@@ -1,6 +1,7 @@
 #include "link/ms_comm.h"
 
 #include "link/waits.h"
+#include "system/runtime_failure.h"
 #include "text/string_table.h"
 
 #include <algorithm>

@@ -3,6 +3,7 @@
 /// The only way to a port. Used from the user-interface thread only.
 #pragma once
 
+#include "link/arrival_notifier.h"
 #include "link/serial_port.h"
 
 #include <QByteArray>

@@ -1,6 +1,8 @@
 #include "link/serial_port.h"
 
+#include "link/arrival_notifier.h"
 #include "system/program_folder.h"
+#include "system/runtime_failure.h"
 #include "text/string_table.h"
 
 #include <QFile>

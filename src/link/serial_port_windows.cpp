@@ -1,5 +1,7 @@
 #include "link/serial_port.h"
 
+#include "link/arrival_notifier.h"
+#include "system/runtime_failure.h"
 #include "text/string_table.h"
 
 #include <QWinEventNotifier>
