@@ -2,6 +2,7 @@
 ///
 /// First byte of the input: bit 0 a save, bit 1 "Verification" ticked, bit 2 Cancel in the middle. The others say what
 /// the unit does: see HostileUnit. At the end of the input, the unit falls silent.
+#include "link/frame.h"
 #include "link/protocol_words.h"
 #include "support/input.h"
 #include "text/message_box.h"
@@ -19,10 +20,13 @@ public:
         input = blocks;
     }
 
-    /// Up to 0xDF: carried out; above: refused.
+    /// Up to 0xDF: carried out; to 0xEF: refused; above: a reply of any bytes, after their number.
     QString operation(const QString& code, int unit) override {
         require(unit == kInterfaceUnit, "a run keeps its unit");
-        if (script_.byte() >= 0xE0)
+        const std::uint8_t what = script_.byte();
+        if (what >= 0xF0)
+            return reply(QByteArray::fromStdString(script_.bytes(script_.byte())));
+        if (what >= 0xE0)
             refusals += code;
         return MemoryLine::operation(code, unit);
     }
@@ -49,6 +53,18 @@ protected:
     }
 
 private:
+    static QString reply(const QByteArray& bytes) {
+        QByteArray data;
+        ReplyParser parser(/*raw*/ bytes.size() % 2 == 1, data);
+        try {
+            std::ignore = std::any_of(bytes.begin(), bytes.end(), [&parser](char byte) { return parser.take(byte); });
+        } catch (const RuntimeFailure&) {
+            require(parser.responseCode().isEmpty(), "a failure leaves no response code");
+        }
+        require(data.size() <= kReplyCapacity, "the buffer keeps its bounds");
+        return parser.result();
+    }
+
     /// What the unit sends next. Up to 0xDF, n: what is due, 16 n + 1 times.
     std::uint8_t next() {
         if (due_ == 0) {

@@ -1,3 +1,4 @@
+#include "link/protocol_words.h"
 #include "support/wire_rig.h"
 #include "system/runtime_failure.h"
 
@@ -80,4 +81,14 @@ TEST_F(FrameLink, ACommunicationErrorIsShownAtTheThirdAttempt) {
     EXPECT_EQ(user.boxes().back().style, kCritical + kOkCancel);
     user.answerNext(kCancel);
     EXPECT_THROW(send("0501"), ProgramEnded);
+}
+
+TEST_F(FrameLink, ReadsTimeOutAfterFiveSecondsOperationsAfterTen) {
+    unitsWith({"delay:1000@0501", "delay:5200@300550"});
+    EXPECT_EQ(fncSendTextCommand("0501", data), "0000");
+    EXPECT_EQ(fncOperationCommand(kPrepareWrite, 1), "0000");
+}
+
+TEST_F(FrameLink, FailuresAreExplainedOnStandardError) {
+    EXPECT_EXIT((fncSendTextCommand("0501", data), std::_Exit(0)), testing::ExitedWithCode(0), "No COM port is open");
 }

@@ -51,12 +51,6 @@ TEST(Sender, FollowsTheReceiversAnswers) {
     }
 }
 
-TEST(Sender, SendsTheRequestedCheck) {
-    const QByteArray image = someImage();
-    for (const auto& [start, check] : {std::pair{kCrcStart, PacketCheck::crc}, {kNak, PacketCheck::checksum}})
-        EXPECT_EQ(XmodemSender(image, 60s, 10s).take(start).packet, buildPacket(1, image.left(kBlockSize), check));
-}
-
 TEST(XmodemPacket, HasTheExactBytes) {
     const QByteArray data = '\x32' + QByteArray(126, '\0') + '\xff';
     const QByteArray ones(128, '\xff');
