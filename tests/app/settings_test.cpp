@@ -41,7 +41,6 @@ TEST_F(Settings, LanguageAndPortComeFromTheFile) {
         {"japanese", 1, "abc", 1},
         {"E", 1, "3x", 1},
         {"E", 1, "-1", -1},
-        {"E", 1, "1 6", 1},
     };
     for (const auto& [language, selector, com, port] : cases) {
         writeFile("Setting.INI", QByteArray("[operation]\nLANGUAGE=") + language + "\n[ifu]\ncom=" + com + "\n");

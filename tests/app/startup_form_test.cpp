@@ -84,14 +84,10 @@ TEST_F(StartUp, ContinuesOrEndsAsTheUnitsAnswer) {
         {"response:2204@0101D4", 3, " , old ", {}},
         {"response:2204@0501", 1, nullptr, {}},
         {"silence@0601", 2, nullptr, {}},
-        {"response:1001@0101D4", 3, nullptr, {}},
         {"unplug@0101D4", 3, nullptr, {"It is a receiving timeout error."}},
-        {"bcc@0101D5", 4, nullptr, {}},
-        {"endcode:12@0501#2", 5, nullptr, {}},
         {"data:00x1@0601", 2, nullptr, {"Application error. / RES : 0000"}},
         {"data:0002@0601", 2, nullptr, {text(IDS_MSGERR_NOTONLY_ONE_SENSOR)}},
         {"data:00 0@0601", 2, nullptr, {notConnected}},
-        {"data:01 2@0601", 2, nullptr, {notConnected}},
     };
     for (const auto& [fault, count, rows, said] : cases) {
         frmStartUp startUp(mainWindow);

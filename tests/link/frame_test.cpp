@@ -61,7 +61,6 @@ TEST(Reply, IsLoggedIfUnusable) {
         {"no ETX", good.chopped(2), "", "True False False False 450 05 01 00 00 "},
         {"no STX", good.mid(1), "", "False True False False 450 05 01 00 00 "},
         {"nothing stored", damaged(replyFrame("000000")), "", "True True True True -1 "},
-        {"end code 11", replyFrame("00001105010000"), "9011", "True True False False 450 05 01 00 00 "},
         {"end code 12", damaged(replyFrame("00001205010000")), "9012", "True True True True 3 05 01 00 00 "},
         {"cut in the end code", good.left(6), "900", "True False False False 450 "},
         {"nothing", "", "9999", "False False False False 450 "},

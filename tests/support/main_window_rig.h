@@ -44,7 +44,6 @@ public:
         writeFile(name, bytesOf(units::makeImage(key, version, version)));
     }
 
-    /// Presses "Loading file" and chooses `name` in the dialog.
     void load(const QString& name) {
         chooseInDialog(name);
         button("cmdLoading").click();
@@ -69,14 +68,12 @@ public:
         });
     }
 
-    /// Presses "Save the present firmware", chooses `name` and waits for the end of the run.
     void save(const QString& name) {
         chooseInDialog(name);
         button("cmdPresent").click();
         awaitEnd();
     }
 
-    /// Presses "Start upgrade" and waits for the end of the run.
     void upgrade() {
         button("cmdUpgrade").click();
         awaitEnd();
@@ -107,7 +104,6 @@ public:
         return *window.findChild<QLabel*>(QString::fromLatin1(name).arg(index));
     }
 
-    /// The progress dialog, while it is loaded.
     static QWidget* progressDialog() {
         for (QWidget* shown : QApplication::topLevelWidgets())
             if (shown->objectName() == "frmWait")

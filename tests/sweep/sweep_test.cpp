@@ -11,13 +11,6 @@
 
 #include <map>
 
-#ifdef __SANITIZE_ADDRESS__
-/// The end of the program is an exception here, so QPushButton::click() does not clean up.
-extern "C" const char* __lsan_default_suppressions() {
-    return "leak:QtSharedPointer::ExternalRefCountData::getAndRef\n";
-}
-#endif
-
 namespace {
 
 /// The places of a session, in the simulator's notation. All sessions begin alike; a save is the shortest.

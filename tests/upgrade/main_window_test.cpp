@@ -56,14 +56,10 @@ TEST_F(MainWindowTest, HasItsTextsAndAccessibleNamesInBothLanguages) {
 TEST_F(MainWindowTest, StartsWithoutAnImage) {
     EXPECT_TRUE(window.isVisible());
     EXPECT_LT((window.geometry().center() - window.screen()->geometry().center()).manhattanLength(), 9);
-    EXPECT_LT(label("lblVersion(%1)", 0).y(), label("lblVersion(%1)", 1).y());
     EXPECT_EQ(QStringList({row(0), row(1), row(2)}), QStringList({"AMP-A 0.500", "IFU-D 1.004", " "}));
     EXPECT_FALSE(button("cmdUpgrade").isEnabled());
     for (const char* hidden : {"chkVerify", "cmdPresent", "LabelWriteProtect"})
         EXPECT_TRUE(window.findChild<QWidget*>(hidden)->isHidden()) << hidden;
-    gAmpTypeName.clear();
-    window.subSetAllVersion();
-    EXPECT_EQ(row(0), " ") << "a row without a name shows no version";
 }
 
 TEST_F(MainWindowTest, TheRowThatIsNotTheTargetIsGrey) {
@@ -220,7 +216,6 @@ TEST_F(MainWindowTest, TheProgressShowsTheTimeLeft) {
         {999ms, 20, 30, "%p%"},
         {2s, 10, 20, "%p%"},
         {5s, 110, 1'410, "%p%  (1:05 left)"},
-        {1'001ms, 20, 30, "%p%  (0:02 left)"},
         {67s, 245'760, 245'760, "%p%  (0:00 left)"},
     };
     for (const auto& [elapsed, bytes, total, text] : cases)
