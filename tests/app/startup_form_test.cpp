@@ -87,7 +87,6 @@ TEST_F(StartUp, ContinuesOrEndsAsTheUnitsAnswer) {
         {"unplug@0101D4", 3, nullptr, {"It is a receiving timeout error."}},
         {"data:00x1@0601", 2, nullptr, {"Application error. / RES : 0000"}},
         {"data:0002@0601", 2, nullptr, {text(IDS_MSGERR_NOTONLY_ONE_SENSOR)}},
-        {"data:00 0@0601", 2, nullptr, {notConnected}},
     };
     for (const auto& [fault, count, rows, said] : cases) {
         frmStartUp startUp(mainWindow);

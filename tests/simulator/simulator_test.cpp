@@ -144,7 +144,6 @@ TEST(Units, ReportViolationsDuringAnUpload) {
         {"\x15\x06\x15\x06", {}},
         {"\x15\x06\x06", {"ACK of the first EOT"}},
         {"\x15\x06\x15\x15", {"NAK of an EOT after the first"}},
-        {"\x15\x18\x06", {"a single CAN"}},
         {"\x15x", {"unexpected answer to a block: 78"}},
     };
     for (const auto& [bytes, complaints] : cases) {

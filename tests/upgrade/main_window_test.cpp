@@ -94,7 +94,6 @@ TEST_F(MainWindowTest, AnImageIsNamedByTheTypeTables) {
         {"IFUKEY", 1004, "IFU-D 1.004"},
         {"BOTH", 13500, "IFU-D 13.500"},
         {"", 13500, "AMP-A 1.500"},
-        {"OTHER", 13500, " "},
         {"IFUKEY", 0x8000, "IFU-D 0.000"},
     };
     for (const auto& [typeKey, version, name] : cases) {
