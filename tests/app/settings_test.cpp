@@ -39,7 +39,6 @@ TEST_F(Settings, LanguageAndPortComeFromTheFile) {
         // Language, its meaning, COM, its meaning
         {"JAPANESE ' remark", 0, "3", 3},
         {"japanese", 1, "abc", 1},
-        {"E", 1, "3x", 1},
         {"E", 1, "-1", -1},
     };
     for (const auto& [language, selector, com, port] : cases) {

@@ -18,7 +18,6 @@ TEST_F(Messages, InsertsAppearInTheirPlaces) {
          "Broken. / [キャンセル]でアプリケーションを終了します。 / "},
         {IDS_MSGERR_COMM_EXCEPTION, "1 %1", "Application error. / RES : 1 %1",
          "アプリケーションで異常が発生しました。 / RES : 1 %1"},
-        {IDS_MSGERR_COMM_TIMEOUT, "", "It is a receiving timeout error.", "受信タイムアウトエラーです。"},
     };
     for (const auto& [id, insert, english, japanese] : cases) {
         gLangOffset = 10000;

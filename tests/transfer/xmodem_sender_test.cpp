@@ -23,7 +23,6 @@ TEST(Sender, FollowsTheReceiversAnswers) {
         {"CNNNNNNNNNXNNNNNNNNNA", 20, ""},
         {"CXNXNXA", 4, ""},
         {"CX9CX", 1, "4099 Block 1 of 1920: the unit cancelled the transfer (CAN)"},
-        {"C9C9A", 2, ""},
         {"C*NNNNNNNNNN", 1'930, "4097 At the end of the image (EOT): sent 10 times; the unit refused it (NAK)"},
         {"C*NA", 1'922, "sent"},
     };
