@@ -1,7 +1,8 @@
-/// Holds logind inhibitors against shutdown, sleep, idle and the lid switch from its construction to its destruction.
+/// Keeps the computer awake from its construction to its destruction. On Linux it holds logind inhibitors against
+/// shutdown, sleep, idle and the lid switch; on Windows it asks for system and display.
 ///
-/// Waits for nothing: a thread of its own asks, as a bus may not answer. Where there is no logind, or where it refuses,
-/// it does without and shows nothing.
+/// Waits for nothing: on Linux a thread of its own asks, as a bus may not answer. If the system refuses, it does
+/// without and shows nothing.
 #pragma once
 
 #include <memory>
@@ -16,7 +17,7 @@ public:
     /// Whether there is such an object: whoever wants to end the session has to wait then.
     static bool isHeld();
 
-    /// What has been taken, shared with the thread that asks.
+    /// What has been taken, shared with the thread that asks; unused on Windows.
     struct Locks;
 
 private:

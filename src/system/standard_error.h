@@ -1,4 +1,4 @@
-/// Diagnostics on standard error, for whoever started the program from a terminal.
+/// Diagnostics on standard error, for whoever started the program from a terminal; on Windows, for a debugger.
 #pragma once
 
 #include <QString>

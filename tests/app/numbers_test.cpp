@@ -1,7 +1,8 @@
 #include "app/numbers.h"
 
-#include "support/program.h"
 #include "system/runtime_failure.h"
+
+#include <gtest/gtest.h>
 
 #include <cmath>
 
