@@ -90,7 +90,6 @@ TEST(Units, EnforceTheOrderOfOperations) {
         // fault; open 0, download 1, upload 2, finish 3, end of transfer 4, and "!" after a refused one
         {"lost@0601", {"0143", "00143343", "243", "04301", "1!", "01431!", "2431!", "4!", "3!", "03!", "014303!"}},
         {"response:1001@300550", {"01!", "043"}},
-        {"silence@300550", {"01!", "043"}},
         {"lost@300550", {"01"}},
     };
     for (const auto& [fault, orders] : cases)

@@ -46,7 +46,6 @@ public:
         linkPort(1, QString::fromStdString(simulator->port()));
     }
 
-    /// The same, then opens their port.
     void unitsWith(const std::vector<std::string>& faults) {
         plug(faults);
         if (!fncPortOpen(1, QStringLiteral("38400,n,8,1")))

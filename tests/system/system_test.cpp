@@ -17,12 +17,22 @@
 
 #include <gtest/gtest.h>
 
+#include <ctime>
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/file.h>
 #include <unistd.h>
 
 using namespace std::chrono_literals;
+
+TEST(EventWait, SleepsUntilTheLimit) {
+    QElapsedTimer clock;
+    clock.start();
+    const std::clock_t used = std::clock();
+    EXPECT_FALSE(waitServingEvents(300ms, [] { return false; }));
+    EXPECT_GE(clock.elapsed(), 300);
+    EXPECT_LT(std::clock() - used, CLOCKS_PER_SEC / 10);
+}
 
 TEST(ProgramEndDeathTest, EndsFromInsideANestedEventLoopWithStatusZero) {
     const auto endWithin = [] {

@@ -4,7 +4,6 @@
 #include "system/event_wait.h"
 #include "transfer/memory_line.h"
 
-/// Transfers on a real port, with simulated units or foreign programs at the other end.
 class RawLineTest : public WireTest {
 protected:
     RawLineTest() { gImageBuf = someImage() + '\0'; }

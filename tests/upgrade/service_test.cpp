@@ -3,7 +3,6 @@
 #include <QCheckBox>
 #include <QDir>
 
-/// The window for service engineers.
 class ServiceTest : public MainWindowTest {
 protected:
     ServiceTest() { window.showServiceControls(); }
