@@ -68,7 +68,6 @@ TEST(SingleInstanceDeathTest, WithoutALockCountsAsTheOnlyCopy) {
     EXPECT_FALSE(QFile::exists(here.filePath("target")));
 }
 
-/// Where standard error goes.
 enum Reader { gone, asleep, closed };
 
 static void complainTo(Reader reader) {
@@ -142,6 +141,7 @@ TEST(Sleep, IsInhibitedDuringATransfer) {
     EXPECT_TRUE(waitServingEvents(5s, [&logind] { return logind.asked.size() == 4; }));
     EXPECT_EQ(logind.asked, QStringList({"Inhibit sleep block", "Inhibit shutdown block",
                                          "Inhibit handle-lid-switch block", "Inhibit idle block"}));
+    waitServingEvents(200ms, [] { return false; });
     EXPECT_TRUE(logind.isHeld());
     transfer.reset();
     EXPECT_FALSE(SleepInhibitor::isHeld());
