@@ -38,6 +38,7 @@ TEST_F(MainWindowTest, HasItsTextsAndAccessibleNamesInBothLanguages) {
         for (const char* name : {"lblTitle(2)", "chkVerify", "cmdEnd", "lblService"}) {
             const QStringList families = form.findChild<QWidget*>(name)->font().families();
             EXPECT_EQ(families.front(), gLanguage == 0 ? "ＭＳ Ｐゴシック" : "Arial") << name;
+            EXPECT_TRUE(families.contains("IPAPGothic")) << name;
         }
         EXPECT_EQ(gFilterText.section(u'|', 0, 0), gLanguage == 0 ? "Binファイル (*.bin)" : "Bin File (*.bin)");
         EXPECT_EQ(progressDialog()->windowTitle(), gLanguage == 0 ? "ドラボルト" : "Dravolt");

@@ -7,8 +7,6 @@ class ServiceTest : public MainWindowTest {
 protected:
     ServiceTest() { window.showServiceControls(); }
 
-    void tickVerification() { window.findChild<QCheckBox*>("chkVerify")->click(); }
-
     /// Whether the progress dialog offers Cancel.
     static bool offersCancel() {
         return progressDialog() != nullptr && progressDialog()->findChild<QPushButton*>("cmdCancel")->isVisible();
@@ -18,7 +16,7 @@ protected:
 TEST_F(ServiceTest, AVerifiedWriteStaysWithItsUnit) {
     unitsWith({});
     load("amp.bin");
-    tickVerification();
+    window.findChild<QCheckBox*>("chkVerify")->click();
     QString seen;
     meanwhile("packet 1", [&] { EXPECT_TRUE(!offersCancel() || simulator->hasNoted("300552010C00")); });
     meanwhile("300552010C00", [&] {
