@@ -4,6 +4,7 @@
 #include "link/protocol_words.h"
 #include "simulator/image.h"
 #include "system/runtime_failure.h"
+#include "system/sleep_inhibitor.h"
 #include "transfer/image_file.h"
 #include "transfer/response_codes.h"
 #include "transfer/transfer_run.h"
@@ -32,7 +33,7 @@ public:
     explicit FakeScreen(QStringList& told) : told_(told) {}
 
     void showProgress() override {
-        told_ += "progress";
+        told_ += SleepInhibitor::isHeld() ? "progress" : "progress, asleep";
         bytes_ = 0;
     }
     void setProgress(int bytes) override {
@@ -58,7 +59,7 @@ public:
 
     QString operation(const QString& code, int unit) override {
         told_ += code + (unit == kSensorAmplifier ? "" : "@0");
-        return refusals.removeOne(code) ? QStringLiteral("2203") : QString(kNormalEnd);
+        return refusals.removeOne(code) ? refusal : QString(kNormalEnd);
     }
     void clear() override {
         if (isGone)
@@ -85,7 +86,7 @@ public:
         nextTick_ = time + kTick;
     }
     void watchInput() override {}
-    void holdInput(bool) override {}
+    void holdInput(bool hold) override { isHeld = hold; }
     void stopTicks() override { step_ = {}; }
 
     bool ticks() const { return step_ != nullptr; }
@@ -99,9 +100,11 @@ public:
     }
 
     QStringList refusals;        ///< operation commands that are refused, once each
+    QString refusal = "2203";    ///< the response to them
     QByteArrayList input;        ///< what comes in during a read, in pieces
     QByteArray answers = "C\6";  ///< before any packet, to the first, to the second...; the last one repeats
     bool isGone = false;         ///< the port
+    bool isHeld = false;         ///< bytes that come call no step
     qsizetype failsAtSend = 0;   ///< number of the raw send that fails; 0: none
     std::function<void()> whileServing = [] {};
     QByteArrayList sent;  ///< in this transfer

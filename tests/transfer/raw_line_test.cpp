@@ -45,3 +45,24 @@ TEST_F(RawLineTest, ReadStepsDoNotWaitForTheTick) {
     EXPECT_EQ(readFile("saved.bin"), firmware().left(300 * kBlockSize).leftJustified(kImageSize, '\0'));
     EXPECT_EQ(simulator->violations(), std::vector<std::string>{});
 }
+
+TEST_F(RawLineTest, AWaitServesTicksUntilTheyAreStopped) {
+    gWaits.tick = 20ms;
+    unitsWith({});
+    int ticks = 0;
+    line.startTicks([&ticks] { ++ticks; });
+    EXPECT_EQ(line.fncWaitByte(500ms), std::nullopt);
+    EXPECT_GT(ticks, 4);
+    line.stopTicks();
+    ticks = 0;
+    EXPECT_EQ(line.fncWaitByte(200ms), std::nullopt);
+    EXPECT_EQ(ticks, 0);
+}
+
+TEST_F(RawLineTest, APortErrorIsShown) {
+    unitsWith({});
+    simulator.reset();
+    EXPECT_EQ(line.fncSendRaw("x"), failure::kDeviceIo);
+    ASSERT_EQ(user.boxes().size(), 1U);
+    EXPECT_EQ(user.boxes()[0].title, "エラー");
+}
