@@ -69,7 +69,10 @@ public:
     void clearInput() override {}
     int fncSendRaw(const QByteArray& bytes) override {
         sent += bytes;
-        return sent.size() == failsAtSend ? failure::kDeviceIo : kResultSuccess;
+        if (sent.size() != failsAtSend)
+            return kResultSuccess;
+        showingError();
+        return failure::kDeviceIo;
     }
     QByteArray received() override { return input.isEmpty() ? QByteArray() : input.takeFirst(); }
     std::optional<char> fncWaitByte(std::chrono::milliseconds limit) override {
@@ -107,6 +110,7 @@ public:
     bool isHeld = false;         ///< bytes that come call no step
     qsizetype failsAtSend = 0;   ///< number of the raw send that fails; 0: none
     std::function<void()> whileServing = [] {};
+    std::function<void()> showingError = [] {};
     QByteArrayList sent;  ///< in this transfer
     Time time{};
 

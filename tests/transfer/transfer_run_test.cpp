@@ -16,7 +16,7 @@ protected:
             meddle();
             return kOk;
         });
-        line.whileServing = [this] { meddle(); };
+        line.whileServing = line.showingError = [this] { meddle(); };
         gImageBuf = image + '\0';
     }
     ~Run() override { setMessageBoxes({}); }
@@ -74,6 +74,10 @@ TEST_F(Run, AWriteReportsItsResultAfterClosing) {
         run.write({.verificationTicked = isVerified});
         EXPECT_EQ(story(), expected) << name;
     }
+    line.answers = "C\6";
+    line.failsAtSend = 3;
+    run.write({});
+    EXPECT_EQ(story(), "50, 51, progress, " + error + "Block 3 of 1920: the port failed, " + fails);
 }
 
 TEST_F(Run, NoOtherResponseCountsAsCarriedOut) {
@@ -139,15 +143,27 @@ TEST_F(Run, ASaveThatCannotBeWrittenIsReported) {
 }
 
 TEST_F(Run, OnlyAReadInProgressCanBeCancelled) {
+    line.whileServing = [] {};
     run.cancel();
     run.read({.file = file("saved.bin")});
     line.input = upload(image.left(kBlockSize)).mid(0, 1);
+    line.failsAtSend = 2;
     line.tick();
     line.sent.clear();
+    line.failsAtSend = 0;
+    line.time += 50ms;
+    const TransferLine::Time cancelled = line.time;
     run.cancel();
     EXPECT_EQ(line.sent, QByteArrayList(10, QByteArray(1, kCan)));
+    line.tick();
+    EXPECT_EQ(line.time - cancelled, 200ms) << "a whole tick for the rest of a block, and one while the box is shown";
     EXPECT_EQ(story(), "52, progress, 54, 53, release, Succeed, cursor");
     EXPECT_FALSE(QFile::exists(file("saved.bin")));
+    run.read({.file = file("saved.bin")});
+    line.failsAtSend = 3;
+    run.cancel();
+    EXPECT_EQ(line.sent.size(), 3) << "a port that fails is tried no more";
+    story();
 }
 
 TEST_F(Run, ResultsAreShownInJapanese) {
