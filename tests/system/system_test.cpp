@@ -1,5 +1,4 @@
 #include "system/event_wait.h"
-#include "system/program_end.h"
 #include "system/single_instance.h"
 #include "system/sleep_inhibitor.h"
 #include "system/standard_error.h"
@@ -32,14 +31,6 @@ TEST(EventWait, SleepsUntilTheLimit) {
     EXPECT_FALSE(waitServingEvents(300ms, [] { return false; }));
     EXPECT_GE(clock.elapsed(), 300);
     EXPECT_LT(std::clock() - used, CLOCKS_PER_SEC / 10);
-}
-
-TEST(ProgramEndDeathTest, EndsFromInsideANestedEventLoopWithStatusZero) {
-    const auto endWithin = [] {
-        QTimer::singleShot(0, endProgram);
-        waitServingEvents(10s, [] { return waitServingEvents(10s, [] { return false; }); });
-    };
-    EXPECT_EXIT(endWithin(), testing::ExitedWithCode(0), "");
 }
 
 TEST(SingleInstance, IsTheOneThatHoldsTheLock) {

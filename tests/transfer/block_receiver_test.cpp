@@ -15,7 +15,6 @@ TEST(BlockReceiver, FindsBlocksAndControlBytesAmongNoise) {
         {"a block in three pieces", {block.left(1), block.mid(1, 130), block.right(1)}, kBlock},
         {"an incomplete block", {block.left(131), ""}, kIncomplete},
         {"what follows a block is dropped", {block + hex("04"), ""}, kNothing},
-        {"noise before a block", {hex("ff00") + block}, kBlock},
         {"a late reply before a block", {hex("02303030303030333030353030303003") + block}, kBlock},
         {"EOT", {hex("04")}, kEotCame},
         {"EOT inside a block is data", {block.left(4), hex("04")}, kIncomplete},

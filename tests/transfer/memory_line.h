@@ -71,7 +71,7 @@ public:
         sent += bytes;
         if (sent.size() != failsAtSend)
             return kResultSuccess;
-        showingError();
+        whileServing();
         return failure::kDeviceIo;
     }
     QByteArray received() override { return input.isEmpty() ? QByteArray() : input.takeFirst(); }
@@ -110,7 +110,6 @@ public:
     bool isHeld = false;         ///< bytes that come call no step
     qsizetype failsAtSend = 0;   ///< number of the raw send that fails; 0: none
     std::function<void()> whileServing = [] {};
-    std::function<void()> showingError = [] {};
     QByteArrayList sent;  ///< in this transfer
     Time time{};
 

@@ -16,7 +16,7 @@ protected:
             meddle();
             return kOk;
         });
-        line.whileServing = line.showingError = [this] { meddle(); };
+        line.whileServing = [this] { meddle(); };
         gImageBuf = image + '\0';
     }
     ~Run() override { setMessageBoxes({}); }
@@ -143,12 +143,12 @@ TEST_F(Run, ASaveThatCannotBeWrittenIsReported) {
 }
 
 TEST_F(Run, OnlyAReadInProgressCanBeCancelled) {
-    line.whileServing = [] {};
     run.cancel();
     run.read({.file = file("saved.bin")});
     line.input = upload(image.left(kBlockSize)).mid(0, 1);
     line.failsAtSend = 2;
     line.tick();
+    line.whileServing = [] {};
     line.sent.clear();
     line.failsAtSend = 0;
     line.time += 50ms;
