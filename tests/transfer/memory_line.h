@@ -34,12 +34,12 @@ public:
 
     void showProgress() override {
         told_ += SleepInhibitor::isHeld() ? "progress" : "progress, asleep";
-        bytes_ = 0;
+        bytes = 0;
     }
-    void setProgress(int bytes) override {
-        if (bytes < bytes_ || bytes > kImageSize)
+    void setProgress(int acknowledged) override {
+        if (acknowledged < bytes || acknowledged > kImageSize)
             told_ += "wrong progress";
-        bytes_ = bytes;
+        bytes = acknowledged;
     }
     void announceVerification() override { told_ += "verification"; }
     void releaseWindow() override { told_ += "release"; }
@@ -47,9 +47,10 @@ public:
     void setDefaultCursor() override { told_ += "cursor"; }
     void showWrittenVersion(int unit) override { told_ += QString("version of %1").arg(unit); }
 
+    int bytes = 0;  ///< the progress
+
 private:
     QStringList& told_;
-    int bytes_ = 0;
 };
 
 /// A line in memory: the test says what the unit does, and the clock advances when the run waits.
@@ -83,7 +84,10 @@ public:
     void close() override { told_ += "close"; }
     Time now() const override { return time; }
     void serveEvents() override { whileServing(); }
-    void pause(std::chrono::milliseconds) override { whileServing(); }
+    void pause(std::chrono::milliseconds) override {
+        told_ += "pause";
+        whileServing();
+    }
     void startTicks(std::function<void()> step) override {
         step_ = std::move(step);
         nextTick_ = time + kTick;

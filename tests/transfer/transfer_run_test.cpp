@@ -106,8 +106,8 @@ TEST_F(Run, AVerificationComparesOnlyWhatItHasRead) {
         line.input = input;
         run.write({.verificationTicked = true});
         line.isGone = isGone;
-        EXPECT_EQ(story(), "50, 51, progress, 54, verification, " + begin + "54, 54, 53, close, release, " + result +
-                               ", raise, cursor")
+        EXPECT_EQ(story(), "50, 51, progress, 54, verification, " + begin + "54, 54, 53, close, pause, release, " +
+                               result + ", raise, cursor")
             << name;
     }
 }
@@ -121,6 +121,8 @@ TEST_F(Run, ASaveWritesTheFileOnlyAfterTheSecondEot) {
         // name, input, Verification ticked, refused commands, story, content of the file afterwards
         {"good", upload(image), false, {}, good, image},
         {"noise before each block and EOT", upload(image, "\xff"), false, {}, good, image},
+        {"more than an image", upload(image + QByteArray(256, 'x')), false, {}, good, image},
+        {"one block", upload(image.left(128)), false, {}, good, image.left(128).leftJustified(kImageSize, '\0')},
         {"no second EOT", upload(image).mid(0, 1'921), false, {}, good, "old"},
         {"refused", {}, false, {"52", "52", "52"}, refused52, "old"},
         {"with Verification ticked", upload(image), true, {}, "52, progress, 54, release, cursor", "old"},
@@ -133,6 +135,7 @@ TEST_F(Run, ASaveWritesTheFileOnlyAfterTheSecondEot) {
         EXPECT_EQ(story(), expected) << name;
         EXPECT_EQ(readFile("saved.bin"), saved) << name;
     }
+    EXPECT_EQ(screen.bytes, kImageSize);
     EXPECT_EQ(line.sent.join(), kNak + QByteArray(1'920, kAck) + kNak + kAck);
 }
 
