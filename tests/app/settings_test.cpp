@@ -38,7 +38,7 @@ TEST_F(Settings, LanguageAndPortComeFromTheFile) {
     const std::tuple<const char*, int, const char*, int> cases[] = {
         // Language, its meaning, COM, its meaning
         {"JAPANESE ' remark", 0, "3", 3},
-        {"japanese", 1, "abc", 1},
+        {"japanese", 1, "3x", 1},
         {"E", 1, "-1", -1},
     };
     for (const auto& [language, selector, com, port] : cases) {

@@ -25,7 +25,7 @@ protected:
     StartUp() {
         writeSettings("ENGLISH", 1);
         writeFile("TYPE.INI", "[AMP_TYPE]\n0A=12000,AMP-A,x\n"
-                              "[IFU_TYPE]\nSV-IFU16=D\nｱﾝ=D\n0123456789ABCDEF=D\n[IFU_DEFINE]\nD=IFU-D\n");
+                              "[IFU_TYPE]\nSV-IFU16=D,E\nｱﾝ=D\n0123456789ABCDEF=D\n[IFU_DEFINE]\nD=IFU-D\n");
         gWaits.reply = gWaits.exchangeMark = 400ms;
     }
 
@@ -83,6 +83,8 @@ TEST_F(StartUp, ContinuesOrEndsAsTheUnitsAnswer) {
         {"silence@0601", 2, nullptr, {}},
         {"unplug@0101D4", 3, nullptr, {"It is a receiving timeout error."}},
         {"data:00x1@0601", 2, nullptr, {"Application error. / RES : 0000"}},
+        {"data:0000@0601", 2, nullptr, {notConnected}},
+        {"data:0102@0601", 2, nullptr, {notConnected}},
         {"data:0002@0601", 2, nullptr, {text(IDS_MSGERR_NOTONLY_ONE_SENSOR)}},
     };
     for (const auto& [fault, count, rows, said] : cases) {
@@ -93,6 +95,7 @@ TEST_F(StartUp, ContinuesOrEndsAsTheUnitsAnswer) {
         // Short time-outs only where nothing comes: answers may be late on a busy machine.
         gWaits.reply = QLatin1String(fault).startsWith(QLatin1String("silence")) ? 100ms : 5s;
         plug({fault});
+        testing::internal::CaptureStderr();
         if (rows == nullptr) {
             EXPECT_THROW(startUp.load(), ProgramEnded) << fault;
         } else {
@@ -101,11 +104,13 @@ TEST_F(StartUp, ContinuesOrEndsAsTheUnitsAnswer) {
             EXPECT_EQ(mainWindow.calls, QStringList({"create", "rows", "show"})) << fault;
             EXPECT_FALSE(startUp.isVisible()) << fault;
         }
+        const auto errors = QString::fromStdString(testing::internal::GetCapturedStderr());
+        EXPECT_EQ(errors.contains("dravolt: "), said.join(u' ').contains("error.")) << fault << ": the cause";
         EXPECT_EQ(user.said(), said) << fault;
         EXPECT_EQ(requests(), std::vector<std::string>(all.begin(), all.begin() + count)) << fault;
         EXPECT_EQ(simulator->violations(), std::vector<std::string>{}) << fault;
     }
-    EXPECT_EQ(user.boxes().at(2).style, kQuestion) << "two sensors";
+    EXPECT_EQ(user.boxes().at(4).style, kQuestion) << "two sensors";
 }
 
 TEST_F(StartUp, AFailedFirstTestOffersThePorts) {

@@ -118,12 +118,11 @@ What is missing:
 
 TEST_F(Ports, EscapeControlCharactersInNames) {
     const std::pair<std::string, std::string> cases[] = {
-        // name, shown as
+        // name, shown as; the last name is overlong, and beyond Unicode
         {"ポート–é😀", "ポート–é😀"},
         {"\x1b[2J\t\n\x7f", R"(\x1b[2J\x09\x0a\x7f)"},
         {"a\u202e\u200bb\u2066", R"(a\xe2\x80\xae\xe2\x80\x8bb\xe2\x81\xa6)"},
-        {"\xc1\x81\xe0\x82\xa9\xf4\x90\x80\x80",
-         R"(\xc1\x81\xe0\x82\xa9\xf4\x90\x80\x80)"},  // overlong, beyond Unicode
+        {"\xc1\x81\xe0\x82\xa9\xf4\x90\x80\x80", R"(\xc1\x81\xe0\x82\xa9\xf4\x90\x80\x80)"},
     };
     for (const auto& [name, shown] : cases)
         EXPECT_EQ(run({"set", "3", name}), "dravolt-ports: /dev/" + shown + ": there is no such device | 1 | ");

@@ -82,8 +82,7 @@ private:
     void goOn(const QWidget& window) {
         if (succeeded_)
             end(window);
-        else
-            press(window, window.findChild<QWidget*>("cmdUpgrade")->isEnabled() ? "cmdUpgrade" : "cmdLoading");
+        press(window, window.findChild<QWidget*>("cmdUpgrade")->isEnabled() ? "cmdUpgrade" : "cmdLoading");
     }
 
     void end(const QWidget& window) {

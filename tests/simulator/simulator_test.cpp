@@ -97,6 +97,7 @@ TEST(Units, EnforceTheOrderOfOperations) {
 }
 
 TEST(Units, ReportViolationsDuringADownload) {
+    const Texts notTwice{"packet after 0 blocks: number and complement do not match: 01 01 -> NAK"};
     const std::tuple<unsigned, std::string, std::string, Texts> cases[] = {
         // packets before, bytes, answer, violations
         {3, packet(5), "", {"packet number 5 after 3 blocks"}},
@@ -104,10 +105,7 @@ TEST(Units, ReportViolationsDuringADownload) {
         {5, packet(5), "\x06", {"packet 5 sent again without reason"}},
         {1, "\x02", "", {"byte between packets: 02"}},
         {0, damaged(packet(1)), "\x15", {"packet after 0 blocks: check value D763 instead of D79C -> NAK"}},
-        {0,
-         "\1\1\1" + packet(1).substr(3),
-         "\x15",
-         {"packet after 0 blocks: number and complement do not match: 01 01 -> NAK"}},
+        {0, "\1\1\1" + packet(1).substr(3), "\x15", notTwice},
         {2, "\x18\x01", "", {"a single CAN"}},
         {2, "\x01\x03\xFC\x01", "", {"packet incomplete after 4 bytes -> NAK"}},
         {1919, "\x04", "\x15", {"EOT after 1919 blocks -> NAK"}},

@@ -22,13 +22,12 @@ protected:
 
 TEST_F(RawLineTest, AForeignReceiverGetsTheExactImage) {
     for (const char* receiver : {"rx", "rx -c"}) {
-        options.receiver =
-            std::string("sleep 0.1; ") + receiver + " " + file("received.bin").toStdString() + " 2>/dev/null";
+        options.receiver = std::string("sleep 0.1; ") + receiver + " " + file("got.bin").toStdString() + " 2>/dev/null";
         unitsWith({});
         run.write({});
         EXPECT_EQ(end(), QStringList{"Succeed"}) << receiver;
-        EXPECT_EQ(readFile("received.bin"), gImageBuf.left(kImageSize)) << receiver;
-        QFile::remove(file("received.bin"));
+        EXPECT_EQ(readFile("got.bin"), gImageBuf.left(kImageSize)) << receiver;
+        QFile::remove(file("got.bin"));
     }
 }
 

@@ -221,7 +221,7 @@ TEST_F(MainWindowTest, AnImageForTheOtherUnitIsNotSent) {
 }
 
 TEST_F(MainWindowTest, AfterAFailedCheckTheOperatorDecides) {
-    unitsWith({"response:2203@0101D4*2"});
+    unitsWith({"response:2203@0101D4", "bcc@0101D4#2"});
     load("amp.bin");
     user.answerNext(kCancel);
     upgrade();
