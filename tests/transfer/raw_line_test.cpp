@@ -1,8 +1,12 @@
 #include "transfer/raw_line.h"
 
+#include "link/frame.h"
+#include "link/ms_comm.h"
 #include "support/wire_rig.h"
 #include "system/event_wait.h"
 #include "transfer/memory_line.h"
+
+#include <thread>
 
 class RawLineTest : public WireTest {
 protected:
@@ -52,6 +56,12 @@ TEST_F(RawLineTest, AWaitServesTicksUntilTheyAreStopped) {
     line.startTicks([&ticks] { ++ticks; });
     EXPECT_EQ(line.fncWaitByte(500ms), std::nullopt);
     EXPECT_GT(ticks, 4);
+    ticks = 0;
+    boundPort().output(buildRequestFrame("0501"));
+    std::this_thread::sleep_for(50ms);
+    EXPECT_TRUE(line.fncWaitByte(1s).has_value());
+    EXPECT_GT(ticks, 0) << "also where each byte is there at once";
+    EXPECT_EQ(line.fncSendRaw("x"), kResultSuccess) << "what has come for other bytes goes";
     line.stopTicks();
     ticks = 0;
     EXPECT_EQ(line.fncWaitByte(200ms), std::nullopt);
