@@ -1,5 +1,4 @@
-/// The information block of an image and the type tables: version word (2 bytes), type key (16 bytes), then the content
-/// of `TYPE.INI`.
+/// The information block of an image, version word (2 bytes) and type key (16), then the content of `TYPE.INI`.
 #include "upgrade/image_info.h"
 #include "app/type_tables.h"
 #include "support/input.h"

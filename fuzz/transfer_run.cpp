@@ -1,7 +1,5 @@
-/// A whole run against a hostile unit: any replies, any bytes, at any time.
-///
-/// First byte of the input: bit 0 a save, bit 1 "Verification" ticked, bit 2 Cancel in the middle. The others say what
-/// the unit does: see HostileUnit. At the end of the input, the unit falls silent.
+/// A whole run against a hostile unit: any replies, any bytes, at any time. First byte of the input: bit 0 a save, bit
+/// 1 "Verification" ticked, bit 2 Cancel in the middle. The others say what the unit does until it falls silent.
 #include "link/frame.h"
 #include "link/protocol_words.h"
 #include "support/input.h"

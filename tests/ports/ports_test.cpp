@@ -12,8 +12,7 @@ namespace fs = std::filesystem;
 
 namespace ports::test {
 
-/// A computer with a built-in port, one that exists in name only, and an adapter with two ports: the second, ttyUSB10,
-/// has a driver, a stable name and a real pseudo-terminal.
+/// A computer with a port, another in name only, and an adapter with two: ttyUSB10 has a driver and a pseudo-terminal.
 class Ports : public ::testing::Test {
 protected:
     Ports() {

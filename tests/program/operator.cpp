@@ -1,5 +1,4 @@
-/// An operator in the process of the delivered program, linked to its main(): chooses the language, upgrades the
-/// simulated amplifier and ends the program. It checks what main() has set up.
+/// An operator in the process of the delivered program, linked to its main(), who also sees what main() has set up.
 #include "simulator/image.h"
 #include "simulator/simulator.h"
 

@@ -10,8 +10,7 @@ namespace units::test {
 
 using Texts = std::vector<std::string>;
 
-/// Feeds bytes to a machine on a line without delays.
-/// @return what it sends
+/// What a machine sends for these bytes, on a line without delays.
 static std::string feed(Machine& machine, const std::string& bytes) {
     std::string answers;
     for (const std::uint8_t byte : bytesOf(bytes)) {

@@ -1,9 +1,6 @@
-/// A monotonic clock that jumps over idle time, for test programs that link it. Program and simulated units keep their
-/// real time-outs, but no test waits for them: as soon as both sleep with nothing pending, the clock jumps to the end
-/// of the nearer wait. So load cannot make one of them too late for the other.
-///
-/// The functions at the end replace the C library's for the program, the simulator and Qt. Only those two threads call
-/// ppoll().
+/// A monotonic clock for test programs that link it: as soon as program and simulated units both sleep with nothing
+/// pending, it jumps to the end of the nearer wait. So time-outs are real, but take no time, and load makes neither of
+/// the two late for the other. The functions at the end replace the C library's; only those two threads call ppoll().
 #include <algorithm>
 #include <array>
 #include <atomic>

@@ -15,7 +15,6 @@
 
 using namespace std::chrono_literals;
 
-/// @tparam Operator  who answers the message boxes: User, or BoxOperator where boxes are windows
 template <class Operator>
 class WireRig : public ProgramRig {
 public:

@@ -7,8 +7,7 @@
 
 using FaultKinds = std::vector<std::string>;
 
-/// What can happen at a place. "delay:300" exceeds the wait without window events, "delay:12000" the wait for any
-/// answer.
+/// What can happen at a place. "delay:300" exceeds the wait without window events, "delay:12000" that for any answer.
 inline FaultKinds faultKindsAt(std::string_view where) {
     FaultKinds kinds{"lost", "delay:300", "repeat", "unplug", "unplugafter"};
     const auto with = [&kinds](const FaultKinds& more) {

@@ -1,6 +1,5 @@
-/// A whole session of the program, from its start to the end of a write, a save or a verified write, once for every
-/// place in the conversation and every fault that can happen there. Whatever goes wrong, the invariants hold. All
-/// time-outs are the real ones, on a clock that jumps over idle time.
+/// A whole session of the program, from its start to the end of a write, a save or a verified write, for every place in
+/// the conversation and every fault that can happen there: the invariants hold. The clock jumps over idle time.
 #include "app/startup_form.h"
 #include "support/main_window_rig.h"
 #include "sweep/fault_kinds.h"
@@ -29,8 +28,7 @@ const std::map<std::string, std::vector<std::string>> kPlaces = {
 /// A session of the program, from fresh state, which comes to its work.
 class ProgramSession : public MainWindowRig {
 public:
-    /// @param work   "Write", "Save" or "Verify", a write with verification
-    /// @param fault  of the units, may be empty
+    /// @param work  "Write", "Save" or "Verify", a write with verification
     ProgramSession(const std::string& work, const std::string& fault) : saves_(work == "Save") {
         const bool verifies = work == "Verify";
         waitAsInReality();
@@ -129,9 +127,8 @@ bool worksAndSaysSo(ProgramSession& session) {
     return said.contains("Succeed");
 }
 
-/// Whether a late answer explains a violation. The program does not know that the unit is still sending an answer that
-/// has timed out, and what it sends meanwhile is ignored. At the start of a download, it takes a late answer for
-/// another one, and may send packets to a unit that expects commands.
+/// Whether a late answer explains a violation: what the program sends before it is ignored, and at the start of a
+/// download the program takes it for another answer, and may send packets to a unit that expects commands.
 bool explains(const Fault& fault, const std::string& violation) {
     const bool starts = fault.place == "300550010000" || fault.place == "300551010C00";
     return fault.isLate() && (starts || violation.find("before the answer") != std::string::npos);

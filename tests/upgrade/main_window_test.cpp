@@ -150,7 +150,7 @@ TEST_F(MainWindowTest, AMissingFileIsReported) {
 TEST_F(MainWindowTest, UpgradesEitherUnit) {
     writeImage("ifu.bin", "IFUKEY", 2345);
     options.interfaceCheck = units::CheckMode::sum;
-    unitsWith({});
+    unitsWith({"lost@start", "noise:303132333435363738394041@start#2"});
     load("amp.bin");
     upgrade();
     choose(1);
