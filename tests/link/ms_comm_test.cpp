@@ -190,7 +190,6 @@ TEST_F(Port, SendsAllBytesInOrderOnASlowLine) {
 
 TEST_F(Port, NamesTheRemedyForAStalledWrite) {
     ASSERT_TRUE(opens());
-    gWaits.portWrite = 50ms;
     runTrapped([] { gobjComm->output(QByteArray(1'000'000, 'x')); });
     EXPECT_EQ(user.said().join(u' ').section("RES : ", 1),
               "COM1 (" + file("com1") + "): write: " + qt_error_string(ETIMEDOUT) +

@@ -84,8 +84,8 @@ public:
     void close() override { told_ += "close"; }
     Time now() const override { return time; }
     void serveEvents() override { whileServing(); }
-    void pause(std::chrono::milliseconds) override {
-        told_ += "pause";
+    void pause(std::chrono::milliseconds length) override {
+        told_ += QString("pause of %1").arg(length.count());
         whileServing();
     }
     void startTicks(std::function<void()> step) override {
@@ -109,7 +109,7 @@ public:
     QStringList refusals;        ///< operation commands that are refused, once each
     QString refusal = "2203";    ///< the response to them
     QByteArrayList input;        ///< what comes in during a read, in pieces
-    QByteArray answers = "C\6";  ///< before any packet, to the first, to the second...; the last one repeats
+    QByteArray answers = "C\6";  ///< before any packet, to the first...; the last one repeats; '.': silence
     bool isGone = false;         ///< the port
     bool isHeld = false;         ///< bytes that come call no step
     qsizetype failsAtSend = 0;   ///< number of the raw send that fails; 0: none
@@ -118,7 +118,10 @@ public:
     Time time{};
 
 protected:
-    virtual std::optional<char> answer() { return answers[std::min(sent.size(), answers.size() - 1)]; }
+    virtual std::optional<char> answer() {
+        const char byte = answers[std::min(sent.size(), answers.size() - 1)];
+        return byte == '.' ? std::nullopt : std::optional(byte);
+    }
 
 private:
     static constexpr auto kTick = 100ms;

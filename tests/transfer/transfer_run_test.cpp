@@ -65,6 +65,11 @@ TEST_F(Run, AWriteReportsItsResultAfterClosing) {
         {"51 refused", false, "51 51 51", "C\6", refused51 + fails},
         {"51 refused, to be verified", true, "51 51 51", "C\6", refused51 + "54, release, Failed, cursor"},
         {"cancelled", false, "", "C\6\x18", "50, 51, progress, " + error + "Block 2 of 1920: " + cancelled + fails},
+        {"silent", false, "", ".",
+         "50, 51, progress, " + error + "Before the first block: the unit did not ask for the image within 60 s, " +
+             fails},
+        {"silent after a block", false, "", "C\6.",
+         "50, 51, progress, " + error + "Block 2 of 1920: sent 10 times; the unit did not answer, " + fails},
         {"cancelled, to be verified", true, "", "\x18",
          "50, 51, progress, " + error + "Before the first block: " + cancelled + fails},
     };
@@ -74,6 +79,7 @@ TEST_F(Run, AWriteReportsItsResultAfterClosing) {
         run.write({.verificationTicked = isVerified});
         EXPECT_EQ(story(), expected) << name;
     }
+    EXPECT_GT(line.time.time_since_epoch(), 60s + 10 * 10s);
     line.answers = "C\6";
     line.failsAtSend = 3;
     run.write({});
@@ -106,8 +112,8 @@ TEST_F(Run, AVerificationComparesOnlyWhatItHasRead) {
         line.input = input;
         run.write({.verificationTicked = true});
         line.isGone = isGone;
-        EXPECT_EQ(story(), "50, 51, progress, 54, verification, " + begin + "54, 54, 53, close, pause, release, " +
-                               result + ", raise, cursor")
+        EXPECT_EQ(story(), "50, 51, progress, 54, verification, " + begin +
+                               "54, 54, 53, close, pause of 2000, release, " + result + ", raise, cursor")
             << name;
     }
 }
@@ -135,6 +141,7 @@ TEST_F(Run, ASaveWritesTheFileOnlyAfterTheSecondEot) {
         EXPECT_EQ(story(), expected) << name;
         EXPECT_EQ(readFile("saved.bin"), saved) << name;
     }
+    EXPECT_LT(line.time.time_since_epoch(), 5 * 1'920 * 100ms + 10s) << "five images, a block a tick, and one silence";
     EXPECT_EQ(screen.bytes, kImageSize);
     EXPECT_EQ(line.sent.join(), kNak + QByteArray(1'920, kAck) + kNak + kAck);
 }
