@@ -17,8 +17,7 @@ TEST_F(IniFile, ValuesFollowTheReadingRules) {
                            QByteArray(1'000'000, 'x') + "\n[two]\nplain = other\n[ONE]\nlate = found\n");
     const std::pair<const char*, QString> cases[] = {
         {"PLAIN", "value 1"}, {"remark", "text"}, {"tab", "a b"},  {"twice", "first"},
-        {"no value", ""},     {"late", "found"},  {"missing", ""}, {"long", QString(126, QLatin1Char('x'))},
-    };
+        {"no value", ""},     {"late", "found"},  {"missing", ""}, {"long", QString(126, QLatin1Char('x'))}};
     for (const auto& [key, value] : cases)
         EXPECT_EQ(read("one", QLatin1String(key)), value) << key;
     EXPECT_EQ(fncGetIniString("one", "plain", file("missing.ini")), "");

@@ -64,8 +64,7 @@ TEST_F(Settings, OnlyOkChangesTheLanguage) {
     const std::tuple<int, std::vector<const char*>, const char*, int> cases[] = {
         // language before, buttons pressed, texts shown, language after
         {0, {"optLanguage(1)", "cmdOK"}, kJapaneseDialog, 1},
-        {1, {"optLanguage(0)", "cmdCancel"}, kEnglishDialog, 1},
-    };
+        {1, {"optLanguage(0)", "cmdCancel"}, kEnglishDialog, 1}};
     for (const auto& [before, pressed, dialog, after] : cases) {
         gLanguage = before;
         answerDialog(pressed);

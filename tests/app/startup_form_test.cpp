@@ -85,8 +85,7 @@ TEST_F(StartUp, ContinuesOrEndsAsTheUnitsAnswer) {
         {"data:00x1@0601", 2, nullptr, {"Application error. / RES : 0000"}},
         {"data:0000@0601", 2, nullptr, {notConnected}},
         {"data:0102@0601", 2, nullptr, {notConnected}},
-        {"data:0002@0601", 2, nullptr, {text(IDS_MSGERR_NOTONLY_ONE_SENSOR)}},
-    };
+        {"data:0002@0601", 2, nullptr, {text(IDS_MSGERR_NOTONLY_ONE_SENSOR)}}};
     for (const auto& [fault, count, rows, said] : cases) {
         frmStartUp startUp(mainWindow);
         gAmpTypeName = gAmpVersion = QString();
@@ -124,8 +123,7 @@ TEST_F(StartUp, AFailedFirstTestOffersThePorts) {
         {"JAPANESE", -1,
          "アプリケーションで異常が発生しました。 / RES : Setting.INI: COM-1 はありません。"
          "COM1～COM16 から選択して下さい",
-         "COM1-COM16 COM5 設定 終了"},
-    };
+         "COM1-COM16 COM5 設定 終了"}};
     linkPort(5, "/nowhere");
     for (const auto& [language, port, said, controls] : cases) {
         writeSettings(language, port);

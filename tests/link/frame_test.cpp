@@ -40,8 +40,7 @@ TEST(Reply, IsParsed) {
         {"00000F05012204", false, "2204", "05012204"},
         {"00000005010000AB", true, "0000", "050100004142"},
         {"00000005010000A", false, "0000", "05010000"},
-        {"000000" + QByteArray(902, '0'), false, "0000", QByteArray(902, '0')},
-    };
+        {"000000" + QByteArray(902, '0'), false, "0000", QByteArray(902, '0')}};
     for (const auto& [text, raw, result, hexData] : cases) {
         QByteArray data;
         EXPECT_EQ(parsed(replyFrame(text), raw, data).result(), result) << text.toStdString();
@@ -61,8 +60,7 @@ TEST(Reply, IsLoggedIfUnusable) {
         {"no STX", good.mid(1), "", "False True False False 450 05 01 00 00 "},
         {"nothing stored", damaged(replyFrame("000000")), "", "True True True True -1 "},
         {"end code 12", damaged(replyFrame("00001205010000")), "9012", "True True True True 3 05 01 00 00 "},
-        {"nothing", "", "9999", "False False False False 450 "},
-    };
+        {"nothing", "", "9999", "False False False False 450 "}};
     for (const auto& [name, bytes, result, log] : cases) {
         QByteArray data;
         const ReplyParser parser = parsed(bytes, false, data);

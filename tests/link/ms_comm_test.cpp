@@ -161,8 +161,7 @@ TEST_F(Port, FailsIfTheDriverDoesNotTakeTheSettings) {
         {"XON/XOFF", [](termios& line) { line.c_iflag |= IXON; }},
         {"echoes", [](termios& line) { line.c_lflag |= ECHO; }},
         {"reads nothing as a hang-up", [](termios& line) { line.c_cc[VMIN] = 0; }},
-        {"holds bytes back", [](termios& line) { line.c_cc[VTIME] = 1; }},
-    };
+        {"holds bytes back", [](termios& line) { line.c_cc[VTIME] = 1; }}};
     for (const auto& [name, driver] : drivers) {
         gDriver = driver;
         EXPECT_EQ(failureToOpen().section("。", 1), "ポートを 38400 bps、8N1 に設定できません。アダプターを差し直すか、"

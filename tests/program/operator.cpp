@@ -89,8 +89,7 @@ private:
         require(!window.windowIcon().availableSizes().empty(), "an icon");
         require(QApplication::font().families().size() > 1, "Japanese in a font of its own");
         for (const char* control : {"chkVerify", "cmdPresent"})
-            require(window.findChild<QWidget*>(control)->isVisible() == OPERATES_SERVICE,
-                    "the controls of the edition");
+            require(window.findChild<QWidget*>(control)->isVisible() == OPERATES_SERVICE, "the edition's controls");
         std::puts("The unit holds the image.");
         std::fflush(stdout);
         press(window, "cmdEnd");

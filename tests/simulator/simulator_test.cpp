@@ -108,8 +108,7 @@ TEST(Units, ReportViolationsDuringADownload) {
         {2, "\x18\x01", "", {"a single CAN"}},
         {2, "\x01\x03\xFC\x01", "", {"packet incomplete after 4 bytes -> NAK"}},
         {1919, "\x04", "\x15", {"EOT after 1919 blocks -> NAK"}},
-        {0, "\x18\x18", "", {}},
-    };
+        {0, "\x18\x18", "", {}}};
     for (const auto& [packets, bytes, answer, complaints] : cases) {
         SCOPED_TRACE(std::to_string(packets) + " packets, then " + hexDump(bytesOf(bytes)).substr(0, 20));
         Units units;

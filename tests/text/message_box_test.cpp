@@ -17,8 +17,7 @@ TEST_F(Messages, InsertsAppearInTheirPlaces) {
         {IDS_MSGERR_COMM_TIMEOUT2, "Broken.", "Broken. / Application is shut down by [cancel]. / ",
          "Broken. / [キャンセル]でアプリケーションを終了します。 / "},
         {IDS_MSGERR_COMM_EXCEPTION, "1 %1", "Application error. / RES : 1 %1",
-         "アプリケーションで異常が発生しました。 / RES : 1 %1"},
-    };
+         "アプリケーションで異常が発生しました。 / RES : 1 %1"}};
     for (const auto& [id, insert, english, japanese] : cases) {
         gLangOffset = 10000;
         fncMsgBox(id, kCritical, insert);

@@ -20,8 +20,7 @@ TEST(BlockReceiver, FindsBlocksAndControlBytesAmongNoise) {
         {"EOT inside a block is data", {block.left(4), hex("04")}, kIncomplete},
         {"ACK", {hex("06") + block}, kAckCame},
         {"NAK", {hex("15") + block}, kNakCame},
-        {"C", {hex("43") + block}, kStartCame},
-    };
+        {"C", {hex("43") + block}, kStartCame}};
     for (const auto& [name, pieces, last] : cases) {
         BlockReceiver receiver(3s, {});
         PollResult result = kNothing;

@@ -71,8 +71,7 @@ TEST_F(Run, AWriteReportsItsResultAfterClosing) {
         {"silent after a block", false, "", "C\6.",
          "50, 51, progress, " + error + "Block 2 of 1920: sent 10 times; the unit did not answer, " + fails},
         {"cancelled, to be verified", true, "", "\x18",
-         "50, 51, progress, " + error + "Before the first block: " + cancelled + fails},
-    };
+         "50, 51, progress, " + error + "Before the first block: " + cancelled + fails}};
     for (const auto& [name, isVerified, refused, answers, expected] : cases) {
         line.refusals = refused.split(' ');
         line.answers = answers;
@@ -104,8 +103,7 @@ TEST_F(Run, AVerificationComparesOnlyWhatItHasRead) {
         {"same", image, upload(image), false, begins, "Succeed"},
         {"the port is gone, after one that was the same", image, {}, true, error + "closed, ", "Failed"},
         {"last byte differs", image, upload(lastByteDiffers), false, begins, "Failed"},
-        {"nothing comes for zeros", QByteArray(kImageSize, 0), {}, false, begins, "Failed"},
-    };
+        {"nothing comes for zeros", QByteArray(kImageSize, 0), {}, false, begins, "Failed"}};
     for (const auto& [name, written, input, isGone, begin, result] : cases) {
         gImageBuf = written + '\0';
         line.isGone = false;
@@ -131,8 +129,7 @@ TEST_F(Run, ASaveWritesTheFileOnlyAfterTheSecondEot) {
         {"one block", upload(image.left(128)), false, {}, good, image.left(128).leftJustified(kImageSize, '\0')},
         {"no second EOT", upload(image).mid(0, 1'921), false, {}, good, "old"},
         {"refused", {}, false, {"52", "52", "52"}, refused52, "old"},
-        {"with Verification ticked", upload(image), true, {}, "52, progress, 54, release, cursor", "old"},
-    };
+        {"with Verification ticked", upload(image), true, {}, "52, progress, 54, release, cursor", "old"}};
     for (const auto& [name, input, isTicked, refused, expected, saved] : cases) {
         line.input = input;
         line.refusals = refused;

@@ -20,8 +20,7 @@ TEST(Sender, FollowsTheReceiversAnswers) {
         {"CNNNNNNNNNXNNNNNNNNNA", 20, ""},
         {"CX9CX", 1, "4099 Block 1 of 1920: the unit cancelled the transfer (CAN)"},
         {"C*NNNNNNNNNN", 1'930, "4097 At the end of the image (EOT): sent 10 times; the unit refused it (NAK)"},
-        {"C*NA", 1'922, "sent"},
-    };
+        {"C*NA", 1'922, "sent"}};
     for (const auto& [names, sends, end] : cases) {
         SCOPED_TRACE(names);
         XmodemSender sender(image, 60s, 10s);

@@ -25,8 +25,7 @@ TEST_F(MainWindowTest, HasItsTextsAndAccessibleNamesInBothLanguages) {
          "<b>A&B</b> のソフトウェアを ver1.0 にアップデート中です。"},
         {"prbComm", "<b>A&B</b> is under updating to ver1.0.",
          "<b>A&B</b> のソフトウェアを ver1.0 にアップデート中です。"},
-        {"cmdCancel", "Cancel", "キャンセル"},
-    };
+        {"cmdCancel", "Cancel", "キャンセル"}};
     gFileTypeName = "<b>A&B</b>";
     gFileVersion = "1.0";
     for (gLanguage = 0; gLanguage < 2; ++gLanguage) {
@@ -86,17 +85,10 @@ TEST_F(MainWindowTest, WithoutTypeTablesTheProgramEnds) {
 
 TEST_F(MainWindowTest, AnImageIsNamedByTheTypeTables) {
     const std::tuple<const char*, std::uint16_t, const char*> cases[] = {
-        {"AMPKEY", 13500, "AMP-A 1.500"},
-        {"ampkey", 22050, "AMP-B 0.050"},
-        {"\xb1\xdd\xcc\xdf", 13500, "AMP-A 1.500"},
-        {"AMPKEY", 11999, " "},
-        {"AMPKEY", 21999, "AMP-A 9.999"},
-        {"AMPKEY", 32000, " "},
-        {"IFUKEY", 1004, "IFU-D 1.004"},
-        {"BOTH", 13500, "IFU-D 13.500"},
-        {"", 13500, "AMP-A 1.500"},
-        {"IFUKEY", 0x8000, "IFU-D 0.000"},
-    };
+        {"AMPKEY", 13500, "AMP-A 1.500"}, {"ampkey", 22050, "AMP-B 0.050"}, {"\xb1\xdd\xcc\xdf", 13500, "AMP-A 1.500"},
+        {"AMPKEY", 11999, " "},           {"AMPKEY", 21999, "AMP-A 9.999"}, {"AMPKEY", 32000, " "},
+        {"IFUKEY", 1004, "IFU-D 1.004"},  {"BOTH", 13500, "IFU-D 13.500"},  {"", 13500, "AMP-A 1.500"},
+        {"IFUKEY", 0x8000, "IFU-D 0.000"}};
     for (const auto& [typeKey, version, name] : cases) {
         writeImage("amp.bin", typeKey, version);
         load("amp.bin");
@@ -201,8 +193,7 @@ TEST_F(MainWindowTest, TheProgressShowsTheTimeLeft) {
         {999ms, 20, 30, "%p%"},
         {2s, 10, 20, "%p%"},
         {5s, 110, 1'410, "%p%  (1:05 left)"},
-        {67s, 245'760, 245'760, "%p%  (0:00 left)"},
-    };
+        {67s, 245'760, 245'760, "%p%  (0:00 left)"}};
     for (const auto& [elapsed, bytes, total, text] : cases)
         EXPECT_EQ(progressText(elapsed, /*first*/ 10, bytes, total), text);
     gLanguage = 0;

@@ -35,8 +35,7 @@ TEST_F(BoxWindow, ReturnsTheButtonPressedOrEscape) {
         {kInformation, 10'000, kEscape, kOk, {"OK"}},
         {kQuestion + kOkCancel, 0, kOk, kOk, {"OK", "キャンセル"}},
         {kQuestion + kOkCancel, 10'000, kCancel, kCancel, {"OK", "Cancel"}},
-        {kQuestion + kOkCancel, 10'000, kEscape, kCancel, {"OK", "Cancel"}},
-    };
+        {kQuestion + kOkCancel, 10'000, kEscape, kCancel, {"OK", "Cancel"}}};
     QStringList buttons;
     user.look = [&buttons](const QMessageBox& box) {
         buttons.clear();
