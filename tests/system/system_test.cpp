@@ -101,6 +101,7 @@ public:
         asked += call.member() + ' ' + what + ' ' + call.arguments().value(3).toString();
         if (what == "shutdown")
             return bus.send(call.createErrorReply(QDBusError::AccessDenied, "no"));
+        beforeReply();
         const int end = ::open(qPrintable(QString("/dev/fd/%1").arg(pipe_[0])), O_WRONLY | O_CLOEXEC);
         bus.send(call.createReply(QVariant::fromValue(QDBusUnixFileDescriptor(end))));
         return ::close(end) == 0;
@@ -113,6 +114,7 @@ public:
     }
 
     QStringList asked;
+    std::function<void()> beforeReply = [] {};
 
 private:
     int pipe_[2];
@@ -122,22 +124,26 @@ TEST(Sleep, IsInhibitedDuringATransfer) {
     QDBusServer server("unix:tmpdir=/tmp");
     qputenv("DBUS_SYSTEM_BUS_ADDRESS", server.address().toUtf8());
     FakeLogind logind;
-    QString client;
-    QObject::connect(&server, &QDBusServer::newConnection, &server, [&logind, &client](QDBusConnection bus) {
+    QStringList clients;
+    QObject::connect(&server, &QDBusServer::newConnection, &server, [&logind, &clients](QDBusConnection bus) {
         bus.registerVirtualObject("/", &logind, QDBusConnection::SubPath);
-        client = bus.name();
+        clients += bus.name();
     });
     auto transfer = std::make_unique<SleepInhibitor>();
     EXPECT_TRUE(SleepInhibitor::isHeld());
     EXPECT_TRUE(waitServingEvents(5s, [&logind] { return logind.asked.size() == 4; }));
     EXPECT_EQ(logind.asked, QStringList({"Inhibit sleep block", "Inhibit shutdown block",
                                          "Inhibit handle-lid-switch block", "Inhibit idle block"}));
-    waitServingEvents(200ms, [] { return false; });
-    EXPECT_TRUE(logind.isHeld());
+    EXPECT_TRUE(logind.isHeld(200));
     transfer.reset();
     EXPECT_FALSE(SleepInhibitor::isHeld());
     EXPECT_FALSE(logind.isHeld(5'000));
-    QDBusConnection::disconnectFromPeer(client);
+    logind.beforeReply = [&transfer] { transfer.reset(); };
+    transfer = std::make_unique<SleepInhibitor>();
+    EXPECT_TRUE(waitServingEvents(5s, [&transfer] { return transfer == nullptr; }));
+    EXPECT_FALSE(logind.isHeld(5'000)) << "what comes after the end of the transfer";
+    for (const QString& client : clients)
+        QDBusConnection::disconnectFromPeer(client);
 }
 
 TEST(Sleep, ABusThatNeverAnswersDelaysNothing) {
