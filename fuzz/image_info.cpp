@@ -21,7 +21,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     const QByteArray info = QByteArray::fromStdString(input.bytes(18)).leftJustified(18, '\0');
     QFile tables(typeTableFile());
     require(tables.open(QIODevice::WriteOnly), "the program's folder is writable");
-    tables.write(QByteArray::fromStdString(input.rest()));
+    tables.write(QByteArray::fromStdString(input.bytes(size)));
     tables.close();
     // The other bytes of the image do not matter.
     gImageBuf.fill('\xEE', kImageSize + 1);

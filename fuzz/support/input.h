@@ -1,4 +1,3 @@
-/// Helpers for fuzz targets.
 #pragma once
 
 #include <cstddef>
@@ -30,8 +29,6 @@ public:
     }
 
     std::uint8_t byte() { return static_cast<std::uint8_t>(bytes(1)[0]); }
-
-    std::string rest() { return bytes(left_.size()); }
 
 private:
     std::string left_;

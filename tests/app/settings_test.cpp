@@ -35,12 +35,9 @@ static constexpr auto kEnglishDialog = "Dravolt Select Language Japanese *Englis
 static constexpr auto kJapaneseDialog = "Dravolt 言語選択 *日本語_ 英語 OK Cancel";
 
 TEST_F(Settings, LanguageAndPortComeFromTheFile) {
+    // Language, its meaning, COM, its meaning
     const std::tuple<const char*, int, const char*, int> cases[] = {
-        // Language, its meaning, COM, its meaning
-        {"JAPANESE ' remark", 0, "3", 3},
-        {"japanese", 1, "3x", 1},
-        {"E", 1, "-1", -1},
-    };
+        {"JAPANESE ' remark", 0, "3", 3}, {"japanese", 1, "3x", 1}, {"E", 1, "-1", -1}};
     for (const auto& [language, selector, com, port] : cases) {
         writeFile("Setting.INI", QByteArray("[operation]\nLANGUAGE=") + language + "\n[ifu]\ncom=" + com + "\n");
         EXPECT_TRUE(fncReadSetting()) << com;

@@ -23,7 +23,6 @@ static std::string feed(Machine& machine, const std::string& bytes) {
     return answers;
 }
 
-/// The line stays silent for longer than the machine waits for the rest of a frame or packet.
 static void beSilent(Machine& machine) {
     if (const auto deadline = machine.deadline())
         machine.timeout(*deadline);
@@ -60,7 +59,6 @@ struct Units {
     BlockSender upload{Bytes(kImageSize), 1, false, faults, journal, Timing{}};
 };
 
-/// The bytes with another last one.
 static std::string damaged(std::string bytes) {
     bytes.back() = char(~bytes.back());
     return bytes;
@@ -122,12 +120,10 @@ TEST(Units, ReportViolationsDuringADownload) {
 }
 
 TEST(Units, ReportViolationsDuringAnUpload) {
-    const std::pair<const char*, Texts> cases[] = {
-        {"\x15\x06\x15\x06", {}},
-        {"\x15\x06\x06", {"ACK of the first EOT"}},
-        {"\x15\x06\x15\x15", {"NAK of an EOT after the first"}},
-        {"\x15x", {"unexpected answer to a block: 78"}},
-    };
+    const std::pair<const char*, Texts> cases[] = {{"\x15\x06\x15\x06", {}},
+                                                   {"\x15\x06\x06", {"ACK of the first EOT"}},
+                                                   {"\x15\x06\x15\x15", {"NAK of an EOT after the first"}},
+                                                   {"\x15x", {"unexpected answer to a block: 78"}}};
     for (const auto& [bytes, complaints] : cases) {
         Units units;
         feed(units.upload, bytes);

@@ -22,7 +22,6 @@ public:
         qApp->installEventFilter(this);
     }
 
-    /// Answer that stands for a key.
     static constexpr auto kEscape = kBoxFailed;
 
     /// Called with each window before it is answered.

@@ -25,7 +25,7 @@ public:
     MainWindowRig() {
         QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
         writeFile("TYPE.INI", "[AMP_TYPE]\n0A=12000,AMP-A,x,22000,AMP-B\n"
-                              "[AMP_BIN_TYPE]\nAMPKEY=0A\nｱﾝﾌﾟ=0A\nBOTH=0A\nNULL=0A\n"
+                              "[AMP_BIN_TYPE]\nAMPKEY=0A\nｱﾝﾌﾟ=0A\nBOTH=0A\nNULL=0A\nA-KEY-OF-SIXTEEN=0A\n"
                               "[IFU_BIN_TYPE]\nIFUKEY=D\nBOTH=D\n"
                               "[IFU_DEFINE]\nD=IFU-D\n");
         gAmpTypeName = "AMP-A";
@@ -60,7 +60,6 @@ public:
         });
     }
 
-    /// Chooses `name` in the file dialog that the next click opens.
     void chooseInDialog(const QString& name) {
         inDialog([path = file(name)](QFileDialog& dialog) {
             dialog.selectFile(path);

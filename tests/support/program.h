@@ -14,7 +14,6 @@
 
 #include <stdexcept>
 
-/// Thrown instead of ending the program.
 struct ProgramEnded {};
 
 /// Fresh state: empty program folder, Japanese, no form's texts applied, no port.

@@ -8,7 +8,6 @@
 #include <utility>
 #include <vector>
 
-/// Answers boxes during its lifetime.
 class User {
 public:
     User() {

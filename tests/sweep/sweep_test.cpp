@@ -94,7 +94,6 @@ struct Fault {
 
     std::string text() const { return kind.empty() ? "" : kind + "@" + place + (always ? "*all" : ""); }
     bool unplugs() const { return kind.starts_with("unplug"); }
-    bool isLate() const { return kind == "delay:12000"; }
 };
 
 /// The faults of a place: each kind once and, unless it unplugs the port, every time. For verified writes, which show
@@ -131,7 +130,7 @@ bool worksAndSaysSo(ProgramSession& session) {
 /// download the program takes it for another answer, and may send packets to a unit that expects commands.
 bool explains(const Fault& fault, const std::string& violation) {
     const bool starts = fault.place == "300550010000" || fault.place == "300551010C00";
-    return fault.isLate() && (starts || violation.find("before the answer") != std::string::npos);
+    return fault.kind == "delay:12000" && (starts || violation.find("before the answer") != std::string::npos);
 }
 
 /// What fails the first time works as soon as the fault is over.
@@ -170,8 +169,6 @@ void sweep(const Fault& fault) {
     if (!session.hasEnded && !session.isDone())
         recover(session, fault);
 }
-
-void PrintTo(const Fault& place, std::ostream* out) { *out << place.work << ' ' << place.place; }
 
 class Sweep : public testing::TestWithParam<Fault> {};
 

@@ -16,7 +16,6 @@
 
 #include <gtest/gtest.h>
 
-#include <ctime>
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/file.h>
@@ -27,10 +26,8 @@ using namespace std::chrono_literals;
 TEST(EventWait, SleepsUntilTheLimit) {
     QElapsedTimer clock;
     clock.start();
-    const std::clock_t used = std::clock();
-    EXPECT_FALSE(waitServingEvents(300ms, [] { return false; }));
+    EXPECT_FALSE(waitServingEvents(300ms, [looks = 0]() mutable { return ++looks > 100; }));
     EXPECT_GE(clock.elapsed(), 300);
-    EXPECT_LT(std::clock() - used, CLOCKS_PER_SEC / 10);
 }
 
 TEST(SingleInstance, IsTheOneThatHoldsTheLock) {

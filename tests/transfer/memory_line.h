@@ -97,7 +97,6 @@ public:
     void stopTicks() override { step_ = {}; }
 
     bool ticks() const { return step_ != nullptr; }
-    /// Advances the clock to the next tick.
     void tick() {
         time = std::max(time, nextTick_);
         nextTick_ = time + kTick;

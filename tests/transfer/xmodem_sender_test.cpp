@@ -32,8 +32,7 @@ TEST(Sender, FollowsTheReceiversAnswers) {
             const SendOrder next = byte == '.' ? sender.timeUp() : sender.take(byte);
             packets += next.packet.isEmpty() ? 0 : 1;
             EXPECT_EQ(next.wait, sender.hasEnded() ? 0s : packets == 0 ? 60s : 10s);
-            const bool hasNoise = packets == 0 ? byte != kCan : sender.failure().has_value();
-            EXPECT_EQ(next.clearInput, hasNoise);
+            EXPECT_EQ(next.clearInput, packets == 0 ? byte != kCan : sender.failure().has_value()) << "noise";
         }
         const auto failure = sender.failure();
         EXPECT_EQ(packets, sends);

@@ -2,6 +2,7 @@
 
 #include <QCheckBox>
 #include <QDir>
+#include <QSettings>
 
 class ServiceTest : public MainWindowTest {
 protected:
@@ -21,8 +22,7 @@ TEST_F(ServiceTest, AVerifiedWriteStaysWithItsUnit) {
     meanwhile("packet 1", [&] { EXPECT_TRUE(!offersCancel() || simulator->hasNoted("300552010C00")); });
     meanwhile("300552010C00", [&] {
         choose(1);
-        seen =
-            state() + (offersCancel() ? ", " : ", no ") + "Cancel, " + progressDialog()->findChild<QLabel*>()->text();
+        seen = state() + (offersCancel() ? ", Cancel, " : ", ") + progressDialog()->findChild<QLabel*>()->text();
     });
     upgrade();
     EXPECT_EQ(gUnitNo, kInterfaceUnit) << "chosen for the next run";
@@ -53,18 +53,25 @@ TEST_F(ServiceTest, ASaveCanBeCancelled) {
 }
 
 TEST_F(ServiceTest, TheFileDialogsOfferImages) {
+    unitsWith({});
+    load("amp.bin");
+    save("saved.bin");
+    EXPECT_TRUE(isSaved("saved.bin", units::Unit::amplifier));
     QStringList offered;
     for (const char* name : {"cmdLoading", "cmdPresent"}) {
         inDialog([&](const QFileDialog& dialog) {
             offered << dialog.nameFilters().join('|') + " ." + dialog.defaultSuffix() +
                            (dialog.acceptMode() == QFileDialog::AcceptSave ? " saves" : " opens") +
-                           (dialog.testOption(QFileDialog::DontConfirmOverwrite) ? "" : ", asks");
+                           (dialog.testOption(QFileDialog::DontConfirmOverwrite) ? ": " : ", asks: ") +
+                           dialog.selectedFiles().join('|').remove(file(""));
             EXPECT_EQ(dialog.directory(), QDir(file("")));
         });
         button(name).click();
     }
-    EXPECT_EQ(offered, QStringList({"Bin File (*.bin) . opens, asks", "Bin File (*.bin) .bin saves, asks"}));
-    EXPECT_TRUE(user.boxes().empty()) << "a cancelled dialog does nothing";
+    EXPECT_EQ(offered, QStringList({"Bin File (*.bin) . opens, asks: /amp.bin",
+                                    "Bin File (*.bin) .bin saves, asks: /saved.bin"}));
+    EXPECT_EQ(QSettings("QtProject").fileName().left(10), "/dev/null/") << "no history";
+    EXPECT_EQ(user.said(), QStringList("Succeed")) << "a cancelled dialog does nothing";
 }
 
 TEST_F(ServiceTest, TabReachesEachControl) {
