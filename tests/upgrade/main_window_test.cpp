@@ -158,7 +158,7 @@ TEST_F(MainWindowTest, AnImageThatCannotBeReadIsNotLoaded) {
 TEST_F(MainWindowTest, UpgradesEitherUnitWithItsImage) {
     writeImage("ifu.bin", "IFUKEY", 2345);
     options.interfaceCheck = units::CheckMode::sum;
-    unitsWith({"lost@start", "noise:303132333435363738394041@start#2"});
+    unitsWith({"response:2203@300550*2", "response:1234@300551", "lost@start", "noise:3939393939393939393939@start#2"});
     load("amp.bin");
     window.findChild<QWidget*>("LabelWriteProtect")->show();
     upgrade();
