@@ -8,7 +8,6 @@ class ServiceTest : public MainWindowTest {
 protected:
     ServiceTest() { window.showServiceControls(); }
 
-    /// Whether the progress dialog offers Cancel.
     static bool offersCancel() {
         return progressDialog() != nullptr && progressDialog()->findChild<QPushButton*>("cmdCancel")->isVisible();
     }
@@ -72,6 +71,7 @@ TEST_F(ServiceTest, TheFileDialogsOfferImages) {
                                     "Bin File (*.bin) .bin saves, asks: /saved.bin"}));
     EXPECT_EQ(QSettings("QtProject").fileName().left(10), "/dev/null/") << "no history";
     EXPECT_EQ(user.said(), QStringList("Succeed")) << "a cancelled dialog does nothing";
+    EXPECT_EQ(state(), kReady);
 }
 
 TEST_F(ServiceTest, TabReachesEachControl) {
