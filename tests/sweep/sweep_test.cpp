@@ -116,7 +116,6 @@ std::vector<Fault> faultsAt(const Fault& place) {
     return faults;
 }
 
-/// Does the work. @return whether the program reports success
 bool worksAndSaysSo(ProgramSession& session) {
     const QStringList said = session.work();
     EXPECT_EQ(said.size(), 1) << "each run reports its result exactly once: " << said.join(", ").toStdString();
@@ -169,6 +168,8 @@ void sweep(const Fault& fault) {
     if (!session.hasEnded && !session.isDone())
         recover(session, fault);
 }
+
+void PrintTo(const Fault& place, std::ostream* out) { *out << place.work << ' ' << place.place; }
 
 class Sweep : public testing::TestWithParam<Fault> {};
 

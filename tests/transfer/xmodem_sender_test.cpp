@@ -14,10 +14,10 @@ TEST(Sender, FollowsTheReceiversAnswers) {
         // packets sent; number and text of the failure, or nothing while the send goes on
         {"9999999999", 0, "4097 Before the first block: 10 unexpected bytes came, the last one 39"},
         {".", 0, "4098 Before the first block: the unit did not ask for the image within 60 s"},
-        {"CNNNNNNNNNA", 11, ""},
-        {"CANNNNNNNNNN", 11, "4097 Block 2 of 1920: sent 10 times; the unit refused it (NAK)"},
+        {"99X999999999CNNNNNNNNNA", 11, ""},
+        {"CXAXNNNNNNNNNN", 11, "4097 Block 2 of 1920: sent 10 times; the unit refused it (NAK)"},
         {"C..........", 10, "4098 Block 1 of 1920: sent 10 times; the unit did not answer"},
-        {"CNNNNNNNNNXNNNNNNNNNA", 20, ""},
+        {"CNNNNNNNNNXNNNXNNNNNNNNNN", 22, "4097 Block 1 of 1920: sent 10 times; the unit refused it (NAK)"},
         {"CX9CX", 1, "4099 Block 1 of 1920: the unit cancelled the transfer (CAN)"},
         {"C*NNNNNNNNNN", 1'930, "4097 At the end of the image (EOT): sent 10 times; the unit refused it (NAK)"},
         {"C*NA", 1'922, "sent"}};
