@@ -105,7 +105,7 @@ public:
     }
 
     /// Whether an inhibitor lock is still held after this many milliseconds.
-    bool isHeld(int time = 0) const {
+    bool isHeld(int time) const {
         pollfd writers{pipe_[0], 0, 0};
         return ::poll(&writers, 1, time) == 0;
     }
